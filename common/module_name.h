@@ -1,0 +1,13 @@
+#ifndef COMMON_MODULE_NAME_H
+#define COMMON_MODULE_NAME_H
+
+#include "common/string.h"
+
+namespace Common {
+
+// "application.exe" on every platform: it names the debug XML file, which tools look for.
+string moduleName();
+
+}  // namespace Common
+
+#endif

@@ -1,0 +1,21 @@
+#ifndef TESTS_COMMON_PRINTERS_H
+#define TESTS_COMMON_PRINTERS_H
+
+#include <ostream>
+#include <string>
+
+#include "common/istring.h"
+#include "common/string.h"
+
+namespace Common {
+
+inline void PrintTo(string const& s, std::ostream* out) {
+    *out << '"' << std::string(s.c_str(), s.size()) << '"';
+}
+inline void PrintTo(istring const& s, std::ostream* out) {
+    *out << '"' << std::string(s.c_str(), s.size()) << '"';
+}
+
+}  // namespace Common
+
+#endif
