@@ -1,0 +1,50 @@
+#pragma once
+
+#include "command/records/all_records.h"
+#include "core/device_operation.h"
+#include "storage/schema/visitors.h"
+
+namespace Operations {
+
+/// Fills a controller with what its commands tell, and decides its status and state. Runs top-down, and once
+/// more bottom-up for what depends on the devices behind the controller.
+class ReadArrayControllerInfo : public Core::DeviceOperation, public Schema::VisitorArrayController {
+  public:
+    ReadArrayControllerInfo() : DeviceOperation(eUsualAndBottomUp) {}
+
+    using Core::DeviceOperation::visit;
+    Core::OperationReturn visit(Schema::ArrayController& controller) override;
+
+  protected:
+    Common::string nameImpl() const override;
+    EnType eTypeImpl() const override { return eRead; }
+};
+
+/// Whether discovery may have controllers rescan their buses. Not at the start: a rescan is a message that
+/// changes what a controller does, and only a front end that asks for it gets it.
+class WriteBusRescanType {
+  public:
+    static bool isBusScanAllowed();
+    static void allowBusScan(bool allowed);
+};
+
+/// The stages of filling a controller, each from one record.
+void publishControllerAndHBAModeInfo(Schema::ArrayController& controller,
+                                     Records::IDENTIFY_CONTROLLER const& identify);
+void publishDisabledConfigInfo(Schema::ArrayController& controller,
+                               Records::IDENTIFY_CONTROLLER const& identify);
+void publishIdentifyInfo(Schema::ArrayController& controller, Records::IDENTIFY_CONTROLLER const& identify);
+void publishSubsystemSystemInfo(Schema::ArrayController& controller,
+                                Records::SUBSYSTEM_PARAMETERS const& subsystem);
+void publishRedundantControllerParameters(Schema::ArrayController& controller,
+                                          Records::REDUNDANT_CONTROLLER_PARAMETERS const& parameters);
+void publishAcceleratorInfo(Schema::ArrayController& controller, Records::CACHE_CONFIG_STATUS const& cache);
+void publishCacheSizeInfo(Schema::ArrayController& controller, Records::CACHE_CONFIG_STATUS const& cache);
+void publishParameterInfo(Schema::ArrayController& controller,
+                          Records::CONTROLLER_PARAMETERS const& parameters);
+void publishSurfaceStatusInfo(Schema::ArrayController& controller, Records::SURFACE_STATUS const& surface);
+void publishMNPStatusInfo(Schema::ArrayController& controller, Records::MNP_STATUS const& status);
+/// Counts of the drives behind the controller by their use.
+void publishDriveTypeCounts(Schema::ArrayController& controller);
+
+}  // namespace Operations

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "common/compound_list.h"
+#include "common/map.h"
+#include "core/device_operation.h"
+#include "storage/schema/visitors.h"
+
+namespace Operations {
+
+/// Says which controllers discovery may bring into the tree: those on a list, or those not on it. Holds for
+/// later discoveries until it is performed again. At the start every controller is allowed.
+class WriteAllowedControllerDiscovery : public Core::DeviceOperation, public Schema::VisitorModRoot {
+  public:
+    using Core::DeviceOperation::visit;
+    Core::OperationReturn visit(Schema::ModRoot& root) override;
+    Common::shared_ptr<Core::Capability> getCapabilityPtr(Common::shared_ptr<Core::Device> device) override;
+
+    /// Whether a controller of this name may be discovered.
+    static bool isControllerEnabled(Common::string const& name);
+    /// Name constant for the decimal text of a subsystem identifier; empty for an unknown one.
+    static Common::string controllerIDTostring(Common::string const& identifier);
+    /// Firmware family constant for a name constant; empty for an unknown one.
+    static Common::string controllerNameToFamilyString(Common::string const& name);
+
+  protected:
+    Common::string nameImpl() const override;
+    EnType eTypeImpl() const override { return eWrite; }
+
+  private:
+    static Common::string& s_maskType();
+    static Common::CompoundList& s_controllerMaskList();
+    static Common::map<Common::string, Common::string>& s_ControllerIDToName();
+    static Common::map<Common::string, Common::string>& s_ControllerNameToFamily();
+    static void fillTables();
+};
+
+}  // namespace Operations

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "core/constant_text.h"
+
+/// Every attribute name of the class.
+namespace Interface::StorageMod::DiskExtent {
+
+KSL_TEXT_CONSTANT(ATTR_NAME_DISK_EXTENT_NUMBER);
+KSL_TEXT_CONSTANT(ATTR_NAME_DISK_EXTENT_OFFSET);
+KSL_TEXT_CONSTANT(ATTR_NAME_DISK_EXTENT_SIZE);
+KSL_TEXT_CONSTANT(ATTR_NAME_DISK_EXTENT_MOUNT_POINT);
+KSL_TEXT_CONSTANT(ATTR_NAME_DISK_EXTENT_GUID);
+KSL_TEXT_CONSTANT(ATTR_NAME_DISK_EXTENT_TYPE_GUID);
+
+}  // namespace Interface::StorageMod::DiskExtent
