@@ -1,0 +1,68 @@
+#include "src/discoveryDocument.h"
+
+#include <cstdio>
+
+#include "src/CLI.h"
+#include "src/deviceTags.h"
+
+namespace {
+
+struct ActionRow {
+    updateState state;
+    char const* action;
+};
+
+constexpr ActionRow ACTIONS[] = {{upgrade, "upgrade"}, {reflash, "rewrite"}, {downgrade, "downgrade"}};
+
+}  // namespace
+
+void writeDocumentHead() {
+    std::string const tags = getTags();
+    cli.PrintXML("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+    cli.PrintXML("<vq_rom_discovery version=\"2.0.0.0\">\n");
+    if (XMLTypeValue[0] != '\0') {
+        cli.PrintXML("<type value=\"%s\"/>\n", XMLTypeValue);
+    }
+    if (tags.empty()) {
+        cli.PrintXML(
+            "<alt_name value=\"ROM Flash for VQ Storage Controller, Enclosure and Sep firmware\"/>\n");
+    } else {
+        cli.PrintXML("<alt_name value=\"ROM Flash for %s Controller, Enclosure and Sep firmware\"/>\n",
+                     tags.c_str());
+    }
+    if (gblOverallVersion[0] != '\0') {
+        cli.PrintXML("<version value=\"%s\" />\n", gblOverallVersion);
+    }
+    cli.PrintXML("<takes_effect value=\"deferred\"/>\n");
+    cli.PrintXML("<devices>\n");
+}
+
+void writeDocumentTail() {
+    cli.PrintXML("</devices>\n");
+    cli.PrintXML("</vq_rom_discovery>\n");
+}
+
+void writeDocumentDevice(DocumentDevice const& device) {
+    cli.PrintXML("<device>\n");
+    cli.PrintXML("<device_id value=\"%s\"/>\n", device.deviceId.c_str());
+    cli.PrintXML("<product_id value=\"%s\"/>\n", device.productId.c_str());
+    cli.PrintXML("<fw_item>\n");
+    cli.PrintXML("<type value=\"%s\"/>\n", device.kind.c_str());
+    cli.PrintXML("<version value=\"%0.2f\"/>\n", static_cast<double>(device.catalogueVersion));
+    cli.PrintXML("<active_version value=\"%s\"/>\n", device.activeVersion.c_str());
+    for (ActionRow const& row : ACTIONS) {
+        if (row.state == device.state) {
+            cli.PrintXML("<action value=\"%s\"/>\n", row.action);
+        }
+    }
+    cli.PrintXML("<duration value=\"%u\"/>\n", gblEstimatedFlashTime);
+    cli.PrintXML("<shared value=\"no\"/>\n");
+    cli.PrintXML("</fw_item>\n");
+    cli.PrintXML("</device>\n");
+}
+
+std::string versionText(float version) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%0.2f", static_cast<double>(version));
+    return text;
+}

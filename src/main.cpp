@@ -1,0 +1,5 @@
+#include "src/tolkflash.h"
+
+int main(int argc, char* argv[]) {
+    return CheckState(argc, argv);
+}
