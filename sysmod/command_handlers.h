@@ -53,7 +53,8 @@ class CSMICommandHandler {
     /// 600 seconds. Up to 32 bytes of sense data go to `sense`.
     bool SendQRTHPassthruCommand(OpenDeviceNode const& node, std::uint8_t const (&address)[8],
                                  Interface::SysMod::Command::EnTransferType transferType, DataSpan block,
-                                 std::uint32_t timeout, DataSpan data, DataSpan sense, PassthruStatus& status);
+                                 std::uint32_t timeout, DataSpan data, DataSpan sense,
+                                 PassthruStatus& status);
 
     /// A task management message; reports the command status only.
     bool SendQRTHPassthruMessage(OpenDeviceNode const& node, std::uint8_t const (&address)[8],
@@ -68,7 +69,8 @@ class CSMICommandHandler {
                                     std::uint8_t& scsiStatus);
 
     /// Pauses (0xCC770031) or resumes (0xCC770032) the background activity of a device.
-    bool SendPauseBackgroundActivityCommand(OpenDeviceNode const& node, CSMIAddress const& address, bool pause);
+    bool SendPauseBackgroundActivityCommand(OpenDeviceNode const& node, CSMIAddress const& address,
+                                            bool pause);
 
     /// Fills the header of `record` (`size` bytes in all), sends it and hands back the header's return code.
     bool SendCSMICommand(OpenDeviceNode const& node, unsigned long request, unsigned char* record,

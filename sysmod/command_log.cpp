@@ -15,11 +15,15 @@ namespace {
 
 constexpr std::uint32_t LONGEST_BLOCK = 16;
 
-char const* outcome(bool sent) { return sent ? "OK" : "Failed"; }
+char const* outcome(bool sent) {
+    return sent ? "OK" : "Failed";
+}
 
 }  // namespace
 
-bool CheckCommandLogActive() { return Common::DebugLogger::QueryIsLoggable(); }
+bool CheckCommandLogActive() {
+    return Common::DebugLogger::QueryIsLoggable();
+}
 
 Common::string subject(BMICRequest const& request) {
     char text[48];
@@ -31,11 +35,11 @@ Common::string subject(BMICRequest const& request) {
 Common::string subject(char const* prefix, SCSIRequest const& request) {
     Common::string text(prefix);
     text += "(";
-    std::uint32_t const length =
-        request.cdb == nullptr ? 0 : std::min(request.cdbLength, LONGEST_BLOCK);
+    std::uint32_t const length = request.cdb == nullptr ? 0 : std::min(request.cdbLength, LONGEST_BLOCK);
     for (std::uint32_t i = 0; i < length; ++i) {
         char digits[8];
-        std::snprintf(digits, sizeof digits, i == 0 ? "%02X" : " %02X", static_cast<unsigned>(request.cdb[i]));
+        std::snprintf(digits, sizeof digits, i == 0 ? "%02X" : " %02X",
+                      static_cast<unsigned>(request.cdb[i]));
         text += digits;
     }
     text += ")";
@@ -66,10 +70,9 @@ void beginSCSI(char const* prefix, SCSIRequest const& request) {
 }
 
 void endSCSI(char const* prefix, SCSIRequest const& request, bool sent) {
-    Common::DebugLogger::Log(SCSI, "%s Status:%s,bStatus:0x%02X,LLCode:0x%08X",
-                             subject(prefix, request).c_str(), outcome(sent),
-                             static_cast<unsigned>(request.scsiStatus),
-                             static_cast<unsigned>(request.lowLevelStatus));
+    Common::DebugLogger::Log(
+        SCSI, "%s Status:%s,bStatus:0x%02X,LLCode:0x%08X", subject(prefix, request).c_str(), outcome(sent),
+        static_cast<unsigned>(request.scsiStatus), static_cast<unsigned>(request.lowLevelStatus));
 }
 
 void beginCSMI(Common::string const& subjectText, SCSIRequest const& request) {

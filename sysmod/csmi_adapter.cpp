@@ -45,7 +45,8 @@ std::uint32_t dword(unsigned char const* reply, unsigned offset) {
 Common::string revision(unsigned char const* reply, unsigned offset) {
     char text[32];
     std::snprintf(text, sizeof text, "%u.%u.%u.%u", static_cast<unsigned>(word(reply, offset)),
-                  static_cast<unsigned>(word(reply, offset + 2)), static_cast<unsigned>(word(reply, offset + 4)),
+                  static_cast<unsigned>(word(reply, offset + 2)),
+                  static_cast<unsigned>(word(reply, offset + 4)),
                   static_cast<unsigned>(word(reply, offset + 6)));
     return text;
 }
@@ -75,9 +76,9 @@ Common::string driverVersion(OpenDeviceNode const& node) {
 /// What sysfs knows of the function behind the adapter, or what the board identifier tells.
 void fillIdentity(unsigned char const* reply, Common::string (&table)[PROPERTY_COUNT]) {
     char location[16];
-    std::snprintf(location, sizeof location, "0000:%02x:%02x.%x", static_cast<unsigned>(reply[CONFIG_PCI_BUS]),
-                  static_cast<unsigned>(reply[CONFIG_PCI_BUS + 1]),
-                  static_cast<unsigned>(reply[CONFIG_PCI_BUS + 2]));
+    std::snprintf(
+        location, sizeof location, "0000:%02x:%02x.%x", static_cast<unsigned>(reply[CONFIG_PCI_BUS]),
+        static_cast<unsigned>(reply[CONFIG_PCI_BUS + 1]), static_cast<unsigned>(reply[CONFIG_PCI_BUS + 2]));
     table[UniqueKey] = pciKey(location).c_str();
     table[PciLocation] = location;
     table[PciLocationAgain] = location;

@@ -168,8 +168,8 @@ bool CSMICommandHandler::SendQRTHPassthruMessage(OpenDeviceNode const& node, std
 }
 
 bool CSMICommandHandler::SendCSMISSPPassthruCommand(OpenDeviceNode const& node, CSMIAddress const& address,
-                                                    EnTransferType transferType, DataSpan block, DataSpan data,
-                                                    std::uint32_t& dataLength, DataSpan sense,
+                                                    EnTransferType transferType, DataSpan block,
+                                                    DataSpan data, std::uint32_t& dataLength, DataSpan sense,
                                                     std::uint8_t& scsiStatus) {
     bool const isOut = transferType == EnTransferType::Out || transferType == EnTransferType::InOut;
     bool const isIn = transferType == EnTransferType::In || transferType == EnTransferType::InOut;
@@ -243,14 +243,12 @@ bool CSMICommandHandler::SendCSMICommand(OpenDeviceNode const& node, unsigned lo
     header.length = size;
     header.timeout = CSMI_TIMEOUT;
     std::memcpy(record, &header, sizeof header);
-    bool const sent =
-        SCSICommandHandler::SendIOCTL(node.descriptor(), request, record, m_lowLevelError);
+    bool const sent = SCSICommandHandler::SendIOCTL(node.descriptor(), request, record, m_lowLevelError);
     std::memcpy(&header, record, sizeof header);
     returnCode = header.returnCode;
-    Common::DebugLogger::Log(CommandLog::CSMI,
-                             "CSMI(Opcode: 0x%08X) Status: %s, ReturnCode: 0x%08X, LLError: 0x%08X", opcode,
-                             sent ? "OK" : "Failed", static_cast<unsigned>(returnCode),
-                             static_cast<unsigned>(m_lowLevelError));
+    Common::DebugLogger::Log(
+        CommandLog::CSMI, "CSMI(Opcode: 0x%08X) Status: %s, ReturnCode: 0x%08X, LLError: 0x%08X", opcode,
+        sent ? "OK" : "Failed", static_cast<unsigned>(returnCode), static_cast<unsigned>(m_lowLevelError));
     return sent;
 }
 

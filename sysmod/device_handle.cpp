@@ -102,7 +102,9 @@ void toPropertyTable(Common::string const& handle, Common::string (&table)[PROPE
     }
 }
 
-Common::string getDeviceUniqueKey(Common::string const& handle) { return property(handle, UniqueKey); }
+Common::string getDeviceUniqueKey(Common::string const& handle) {
+    return property(handle, UniqueKey);
+}
 
 std::uint16_t getDeviceIndex(Common::string const& handle) {
     return Conversion::toNumber<unsigned short>(property(handle, DeviceIndex));
@@ -128,7 +130,9 @@ std::uint8_t getDeviceBusIndex(Common::string const& handle) {
     return isLogical ? address[2] : static_cast<std::uint8_t>(address[3] & 0x3F);
 }
 
-Common::string getSasAddress(Common::string const& handle) { return addressText(property(handle, Route)); }
+Common::string getSasAddress(Common::string const& handle) {
+    return addressText(property(handle, Route));
+}
 
 void getSasAddress(Common::string const& handle, std::uint8_t (&bytes)[8]) {
     for (std::uint8_t& byte : bytes) {
@@ -137,7 +141,9 @@ void getSasAddress(Common::string const& handle, std::uint8_t (&bytes)[8]) {
     toAddressBytes(getSasAddress(handle), bytes);
 }
 
-std::uint8_t getPhyIdentifier(Common::string const& handle) { return phyOf(property(handle, Route)); }
+std::uint8_t getPhyIdentifier(Common::string const& handle) {
+    return phyOf(property(handle, Route));
+}
 
 Common::string getParentSasAddress(Common::string const& handle) {
     return addressText(property(handle, ParentRoute));
@@ -157,7 +163,9 @@ EnDeviceType getDeviceType(Common::string const& handle) {
     return EnDeviceType::Other;
 }
 
-bool isCellBasedSystem() { return false; }
+bool isCellBasedSystem() {
+    return false;
+}
 
 bool parseLogicalUnitAddress(Common::string const& route, std::uint8_t (&address)[8]) {
     for (std::uint8_t& byte : address) {

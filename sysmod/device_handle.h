@@ -25,16 +25,16 @@ enum Property : unsigned {
     PciLocation = 10,       ///< domain, bus, device and function as the kernel writes them
     PciLocationAgain = 11,  ///< the same text
     DriverVersion = 12,
-    FastPath = 13,          ///< "NO", "YES:ENABLED" or "YES:DISABLED"
+    FastPath = 13,  ///< "NO", "YES:ENABLED" or "YES:DISABLED"
     SecondNode = 14,
     Description = 15,
     DescriptionAgain = 16,
-    IdentityBytes = 17,     ///< unique identity bytes of a device, hexadecimal text
-    DeviceIndex = 18,       ///< decimal text
-    Route = 19,             ///< "QRTH:", "BMIC:" or "CSMI:" route; empty for a device reached by its node
-    TransportKind = 20,     ///< of a volume: "SCSI", "SCSIPT", "ATA", "RAID" or "OTHER"
-    DeviceType = 21,        ///< "ARRAY_CONTROLLER", "DUMB_HBA", "CSMI_HBA", "PHYSICAL_DRIVE", "SEP", ...
-    ParentRoute = 22,       ///< route of the parent expander or adapter, in the "CSMI:" form
+    IdentityBytes = 17,  ///< unique identity bytes of a device, hexadecimal text
+    DeviceIndex = 18,    ///< decimal text
+    Route = 19,          ///< "QRTH:", "BMIC:" or "CSMI:" route; empty for a device reached by its node
+    TransportKind = 20,  ///< of a volume: "SCSI", "SCSIPT", "ATA", "RAID" or "OTHER"
+    DeviceType = 21,     ///< "ARRAY_CONTROLLER", "DUMB_HBA", "CSMI_HBA", "PHYSICAL_DRIVE", "SEP", ...
+    ParentRoute = 22,    ///< route of the parent expander or adapter, in the "CSMI:" form
 };
 
 /// A device's properties, by the places above.
@@ -47,7 +47,13 @@ Common::string toDeviceInfo(Common::string const (&table)[PROPERTY_COUNT]);
 void toPropertyTable(Common::string const& handle, Common::string (&table)[PROPERTY_COUNT]);
 
 /// Codes of getDeviceType().
-enum class EnDeviceType : unsigned char { PhysicalDrive = 0, TapeDrive = 1, Expander = 5, Sep = 6, Other = 8 };
+enum class EnDeviceType : unsigned char {
+    PhysicalDrive = 0,
+    TapeDrive = 1,
+    Expander = 5,
+    Sep = 6,
+    Other = 8
+};
 
 /// Where a CSMI pass-through goes: a phy of the adapter and the SAS address behind it.
 struct CSMIAddress {

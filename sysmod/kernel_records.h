@@ -43,8 +43,8 @@ struct SgIoRecord {
 struct XqrthCommand {
     std::uint8_t address[8];  ///< logical unit address; all zero is the controller itself
     std::uint8_t blockLength;
-    std::uint8_t type;        ///< bits 0-2 request type, 3-5 attribute, 6-7 direction
-    std::uint16_t timeout;    ///< seconds
+    std::uint8_t type;      ///< bits 0-2 request type, 3-5 attribute, 6-7 direction
+    std::uint16_t timeout;  ///< seconds
     std::uint8_t block[16];
     std::uint8_t scsiStatus;
     std::uint8_t senseLength;

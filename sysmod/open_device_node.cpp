@@ -28,8 +28,7 @@ void OpenDeviceNode::openPath(Common::string const& path, int flags) {
     Common::string node = path;
     unsigned const colon = path.find(":");
     if (colon != Common::string::npos) {
-        m_controllerNumber =
-            Conversion::toNumber<int>(path.substr(colon + 1, path.size() - colon - 1));
+        m_controllerNumber = Conversion::toNumber<int>(path.substr(colon + 1, path.size() - colon - 1));
         node = path.substr(0, colon);
     }
     m_descriptor = systemCalls().open(node.c_str(), flags);

@@ -9,13 +9,13 @@ namespace Core::SysMod {
 
 /// A mass storage function on the PCI bus with a driver of the list, as sysfs shows it.
 struct PciFunction {
-    std::string directory;       ///< its directory in sysfs
-    std::string location;        ///< base name of that directory, "0000:0b:00.0"
-    std::string classText;       ///< first line of "class"
-    std::string identity;        ///< vendor and device, eight upper-case hexadecimal digits
-    std::string subsystem;       ///< subsystem vendor and device, same form
-    std::string driver;          ///< kernel driver's name
-    std::string driverVersion;   ///< of the driver's module, empty when the kernel shows none
+    std::string directory;      ///< its directory in sysfs
+    std::string location;       ///< base name of that directory, "0000:0b:00.0"
+    std::string classText;      ///< first line of "class"
+    std::string identity;       ///< vendor and device, eight upper-case hexadecimal digits
+    std::string subsystem;      ///< subsystem vendor and device, same form
+    std::string driver;         ///< kernel driver's name
+    std::string driverVersion;  ///< of the driver's module, empty when the kernel shows none
     Interface::SysMod::Discovery::EnStorageAdapterType type;
 };
 

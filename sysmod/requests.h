@@ -22,15 +22,15 @@ struct BasicBMICRequest {
     std::uint32_t timeout = 0;                         ///< seconds; the pass-through clamps it
     std::uint8_t commandByte = 0;                      ///< command block byte 6
     std::uint32_t details = 0;                         ///< command block bytes 2 to 5, high byte first
-    std::uint16_t unit = 0;              ///< low byte to command block byte 1, high byte to byte 9
-    Pointer dataBuffer{};                ///< reply or payload, borrowed; null when transferType is None
-    std::uint32_t dataLength = 0;        ///< bytes at dataBuffer
-    std::int32_t lowLevelStatus = 0;     ///< set by the transport: errno when it could not deliver
-    std::uint16_t commandStatus = 0;     ///< set by the transport: the controller's command status
-    std::uint8_t scsiStatus = 0;         ///< set by the transport: SCSI status byte
-    Pointer senseBuffer{};               ///< SENSE_BUFFER_SIZE bytes, borrowed
-    std::uint32_t senseLength = 0;       ///< size on entry, valid length on return
-    std::uint32_t cdbLengthOverride = 0; ///< when not 0, stands in command block bytes 7 and 8
+    std::uint16_t unit = 0;               ///< low byte to command block byte 1, high byte to byte 9
+    Pointer dataBuffer{};                 ///< reply or payload, borrowed; null when transferType is None
+    std::uint32_t dataLength = 0;         ///< bytes at dataBuffer
+    std::int32_t lowLevelStatus = 0;      ///< set by the transport: errno when it could not deliver
+    std::uint16_t commandStatus = 0;      ///< set by the transport: the controller's command status
+    std::uint8_t scsiStatus = 0;          ///< set by the transport: SCSI status byte
+    Pointer senseBuffer{};                ///< SENSE_BUFFER_SIZE bytes, borrowed
+    std::uint32_t senseLength = 0;        ///< size on entry, valid length on return
+    std::uint32_t cdbLengthOverride = 0;  ///< when not 0, stands in command block bytes 7 and 8
     std::uint8_t noCache = 0;
     std::uint8_t passThrough = 0;
     std::uint8_t selectiveCache = 0;
@@ -40,10 +40,10 @@ struct BasicBMICRequest {
 template <typename Pointer>
 struct BasicSCSIRequest {
     EnTransferType transferType = EnTransferType::In;
-    std::uint32_t timeout = 0;        ///< seconds
-    Pointer cdb{};                    ///< command block, borrowed
-    std::uint32_t cdbLength = 0;      ///< 6, 10, 12 or 16
-    Pointer dataBuffer{};             ///< borrowed
+    std::uint32_t timeout = 0;    ///< seconds
+    Pointer cdb{};                ///< command block, borrowed
+    std::uint32_t cdbLength = 0;  ///< 6, 10, 12 or 16
+    Pointer dataBuffer{};         ///< borrowed
     std::uint32_t dataLength = 0;
     std::int32_t lowLevelStatus = 0;  ///< as above
     std::uint16_t commandStatus = 0;

@@ -40,7 +40,8 @@ bool sendByNode(OpenDeviceNode const& node, SCSIRequest& request) {
 bool sendByController(OpenDeviceNode const& node, Common::string const& route, SCSIRequest& request) {
     std::uint8_t address[8];
     if (!parseLogicalUnitAddress(route, address)) {
-        Common::DebugLogger::LogCommand("Route \"%s\" refused: 16 hexadecimal digits expected", route.c_str());
+        Common::DebugLogger::LogCommand("Route \"%s\" refused: 16 hexadecimal digits expected",
+                                        route.c_str());
         return false;
     }
     CSMICommandHandler handler(true);
@@ -52,10 +53,9 @@ bool sendByController(OpenDeviceNode const& node, Common::string const& route, S
         request.scsiStatus = 0;
     } else {
         PassthruStatus status;
-        sent = handler.SendQRTHPassthruCommand(node, address, request.transferType,
-                                               {request.cdb, request.cdbLength}, request.timeout,
-                                               {request.dataBuffer, request.dataLength},
-                                               {request.senseBuffer, request.senseLength}, status);
+        sent = handler.SendQRTHPassthruCommand(
+            node, address, request.transferType, {request.cdb, request.cdbLength}, request.timeout,
+            {request.dataBuffer, request.dataLength}, {request.senseBuffer, request.senseLength}, status);
         if (sent) {
             request.scsiStatus = status.scsiStatus;
             request.commandStatus = status.commandStatus;

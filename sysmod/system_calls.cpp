@@ -22,13 +22,17 @@ std::atomic<SystemCalls*>& replacementInForce() {
 
 }  // namespace
 
-int SystemCalls::open(char const* path, int flags) { return ::open(path, flags | O_CLOEXEC); }
+int SystemCalls::open(char const* path, int flags) {
+    return ::open(path, flags | O_CLOEXEC);
+}
 
 int SystemCalls::ioctl(int descriptor, unsigned long request, void* argument) {
     return argument == nullptr ? ::ioctl(descriptor, request) : ::ioctl(descriptor, request, argument);
 }
 
-int SystemCalls::close(int descriptor) { return ::close(descriptor); }
+int SystemCalls::close(int descriptor) {
+    return ::close(descriptor);
+}
 
 bool SystemCalls::listDirectory(std::string const& path, std::vector<std::string>& names) {
     names.clear();
@@ -71,7 +75,9 @@ bool SystemCalls::readLink(std::string const& path, std::string& target) {
     return true;
 }
 
-bool SystemCalls::exists(std::string const& path) { return ::access(path.c_str(), F_OK) == 0; }
+bool SystemCalls::exists(std::string const& path) {
+    return ::access(path.c_str(), F_OK) == 0;
+}
 
 SystemCalls& systemCalls() {
     static SystemCalls real;
@@ -79,6 +85,8 @@ SystemCalls& systemCalls() {
     return replacement != nullptr ? *replacement : real;
 }
 
-SystemCalls* SetSystemCalls(SystemCalls* replacement) { return replacementInForce().exchange(replacement); }
+SystemCalls* SetSystemCalls(SystemCalls* replacement) {
+    return replacementInForce().exchange(replacement);
+}
 
 }  // namespace Core::SysMod

@@ -79,7 +79,8 @@ TEST(DeviceHandle, LogicalUnitAddresses) {
     EXPECT_EQ(0, memcmp(address, expected, 8));
     EXPECT_TRUE(parseLogicalUnitAddress("QRTH:00112233445566ff", address));
     EXPECT_EQ(address[7], 0xFF);
-    for (char const* bad : {"", "QRTH:", "QRTH:001122334455667", "QRTH:00112233445566zz", "CSMI:1:0011223344556677"}) {
+    for (char const* bad :
+         {"", "QRTH:", "QRTH:001122334455667", "QRTH:00112233445566zz", "CSMI:1:0011223344556677"}) {
         EXPECT_FALSE(parseLogicalUnitAddress(bad, address)) << bad;
     }
 }
@@ -97,10 +98,12 @@ TEST(DeviceHandle, TypesHaveCodes) {
         char const* type;
         unsigned code;
     };
-    static Row const rows[] = {{"PHYSICAL_DRIVE", 0}, {"TAPE_DRIVE", 1}, {"EXPANDER", 5}, {"SEP", 6},
+    static Row const rows[] = {{"PHYSICAL_DRIVE", 0},   {"TAPE_DRIVE", 1},
+                               {"EXPANDER", 5},         {"SEP", 6},
                                {"ARRAY_CONTROLLER", 8}, {"", 8}};
     for (Row const& row : rows) {
-        EXPECT_EQ(static_cast<unsigned>(getDeviceType(handleWith(Route, "", row.type))), row.code) << row.type;
+        EXPECT_EQ(static_cast<unsigned>(getDeviceType(handleWith(Route, "", row.type))), row.code)
+            << row.type;
     }
 }
 

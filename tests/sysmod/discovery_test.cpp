@@ -32,9 +32,7 @@ class AdapterDiscovery : public ::testing::Test {
         system.nodes.insert("/dev/" + name);
     }
 
-    void discover() {
-        Interface::SysMod::Discovery::DiscoverStorageAdapters(controllers, csmi, plain);
-    }
+    void discover() { Interface::SysMod::Discovery::DiscoverStorageAdapters(controllers, csmi, plain); }
 
     static std::string text(HandleList const& handles, Property place) {
         PropertyTable table;
@@ -113,10 +111,11 @@ TEST_F(AdapterDiscovery, FunctionsThatAreNotWhatTheySeemArePassedOver) {
         bool found;
     };
     static Row const rows[] = {
-        {"class", "0x010400\n", true},   {"class", "0xff0000\n", true},   {"class", "0x020000\n", false},
-        {"class", "", false},            {"vendor", "0x1e5\n", false},    {"vendor", "0x1e5c", false},
-        {"vendor", "1e5c0000\n", false}, {"device", "0xzzzz\n", false},   {"subsystem_vendor", "", false},
-        {"subsystem_device", "0x33541\n", true},
+        {"class", "0x010400\n", true},   {"class", "0xff0000\n", true},
+        {"class", "0x020000\n", false},  {"class", "", false},
+        {"vendor", "0x1e5\n", false},    {"vendor", "0x1e5c", false},
+        {"vendor", "1e5c0000\n", false}, {"device", "0xzzzz\n", false},
+        {"subsystem_vendor", "", false}, {"subsystem_device", "0x33541\n", true},
     };
     for (Row const& row : rows) {
         system.files.clear();
@@ -160,7 +159,8 @@ TEST_F(AdapterDiscovery, FastPathIsReadFromTheDevice) {
         char const* contents;
         char const* text;
     };
-    static Row const rows[] = {{"enabled\n", "YES:ENABLED"}, {"disabled\n", "YES:DISABLED"}, {"", "YES:DISABLED"}};
+    static Row const rows[] = {
+        {"enabled\n", "YES:ENABLED"}, {"disabled\n", "YES:DISABLED"}, {"", "YES:DISABLED"}};
     for (Row const& row : rows) {
         addFunction("0000:0b:00.0", "vqsa");
         addGenericNode("0000:0b:00.0/host0/target0:0:0/0:0:0:0", "sg0", "12\n");
@@ -217,8 +217,10 @@ TEST(DeviceDescription, ComesFromTheFirstIdentifierFileThatKnowsTheDevice) {
     system.files["/usr/share/hwdata/pci.ids"] =
         "# comment\n1e5c  VQ Systems\n\t3239  Vaultline 2\n\t\t1e5c 3354  TR56\n1e5d  Other\n\t323a  Wrong\n";
     system.files["/usr/share/pci.ids"] = "1e5c  VQ Systems\n\t323a  Vaultline 3\n";
-    EXPECT_STREQ(Interface::SysMod::Discovery::GetDeviceDescription("1E5C3239").c_str(), "Adapter: Vaultline 2");
-    EXPECT_STREQ(Interface::SysMod::Discovery::GetDeviceDescription("1E5C323A").c_str(), "Adapter: Vaultline 3");
+    EXPECT_STREQ(Interface::SysMod::Discovery::GetDeviceDescription("1E5C3239").c_str(),
+                 "Adapter: Vaultline 2");
+    EXPECT_STREQ(Interface::SysMod::Discovery::GetDeviceDescription("1E5C323A").c_str(),
+                 "Adapter: Vaultline 3");
     EXPECT_STREQ(Interface::SysMod::Discovery::GetDeviceDescription("1E5C9999").c_str(), "");
     EXPECT_STREQ(Interface::SysMod::Discovery::GetDeviceDescription("1E5").c_str(), "");
 }

@@ -70,8 +70,8 @@ TEST_F(Passthru, ManagementCommandBecomesATenByteBlock) {
     auto const& record = system.calls[0].record;
     EXPECT_EQ(system.calls[0].request, PASSTHRU);
     ASSERT_EQ(record.size(), 88U);
-    unsigned char const start[] = {1, 2, 3, 4, 5, 6, 7, 8,  // address
-                                   10, 0xA0, 30, 0,          // block length; simple, read; 30 seconds
+    unsigned char const start[] = {1,    2,    3,    4,    5,    6,    7,    8,  // address
+                                   10,   0xA0, 30,   0,  // block length; simple, read; 30 seconds
                                    0x26, 0xCD, 0x12, 0x34, 0x56, 0x78, 0x89, 0x06, 0x00, 0xAB};
     EXPECT_EQ(0, memcmp(record.data(), start, sizeof start));
     EXPECT_EQ(numberAt<std::uint16_t>(record, 76), 0x0600);
@@ -89,7 +89,7 @@ TEST_F(Passthru, EveryDirectionButInWritesAndTheOverrideStandsInTheLength) {
         unsigned type;
     };
     static Row const rows[] = {
-        {EnTransferType::In, 512, 0x26, 0xA0},   {EnTransferType::Out, 512, 0x27, 0x60},
+        {EnTransferType::In, 512, 0x26, 0xA0},    {EnTransferType::Out, 512, 0x27, 0x60},
         {EnTransferType::InOut, 512, 0x27, 0x60}, {EnTransferType::None, 0, 0x27, 0x20},
         {EnTransferType::In, 0, 0x26, 0x20},  // no data, no direction
     };
@@ -113,7 +113,9 @@ TEST_F(Passthru, BigTransfersTakeTheBigRecord) {
         std::uint32_t chunk;
     };
     static Row const rows[] = {
-        {65535, PASSTHRU, 0},          {127999, PASSTHRU, 0},      {128000, BIG_PASSTHRU, 5120},
+        {65535, PASSTHRU, 0},
+        {127999, PASSTHRU, 0},
+        {128000, BIG_PASSTHRU, 5120},
         {126976 * 2, BIG_PASSTHRU, 8192},  // 31 chunks exactly
         {126976 * 2 + 31, BIG_PASSTHRU, 9216},
     };
@@ -126,7 +128,8 @@ TEST_F(Passthru, BigTransfersTakeTheBigRecord) {
             EXPECT_EQ(call.record.size(), 96U);
             EXPECT_EQ(numberAt<std::uint32_t>(call.record, 76), row.chunk) << row.size;
             EXPECT_EQ(numberAt<std::uint32_t>(call.record, 80), row.size);
-            EXPECT_EQ(numberAt<std::uint64_t>(call.record, 88), reinterpret_cast<std::uintptr_t>(data.data()));
+            EXPECT_EQ(numberAt<std::uint64_t>(call.record, 88),
+                      reinterpret_cast<std::uintptr_t>(data.data()));
         }
     }
 }
@@ -137,7 +140,7 @@ TEST_F(Passthru, TimeoutsAreClampedOnlyByTheControllersPassthru) {
         std::uint16_t passthru;
         std::uint32_t generic;
     };
-    static Row const rows[] = {{0, 30, 1},       {5, 30, 5001},          {31, 31, 31001},
+    static Row const rows[] = {{0, 30, 1},         {5, 30, 5001},        {31, 31, 31001},
                                {600, 600, 600001}, {3600, 600, 3600001}, {0xFFFFFFFF, 600, 0xFFFFFFFF}};
     for (Row const& row : rows) {
         SCSIRequest request = scsiRequest(8);
@@ -220,8 +223,11 @@ TEST_F(Passthru, GenericRecordHasTheKernelsLayout) {
         EnTransferType direction;
         std::int32_t code;
     };
-    static Row const rows[] = {{EnTransferType::In, -3}, {EnTransferType::Out, -2}, {EnTransferType::InOut, -4},
-                               {EnTransferType::None, -1}, {EnTransferType::MessageOut, -1}};
+    static Row const rows[] = {{EnTransferType::In, -3},
+                               {EnTransferType::Out, -2},
+                               {EnTransferType::InOut, -4},
+                               {EnTransferType::None, -1},
+                               {EnTransferType::MessageOut, -1}};
     for (Row const& row : rows) {
         SCSIRequest request = scsiRequest(0x89ABC, row.direction);
         request.scsiStatus = 0x77;
@@ -342,8 +348,9 @@ TEST_F(Passthru, AtaCommandsTravelAsAtaPassThrough16) {
         unsigned flags;
         unsigned count;
     };
-    static Row const rows[] = {
-        {EnTransferType::In, 0, 8, 14, 2}, {EnTransferType::Out, 7, 10, 6, 7}, {EnTransferType::None, 1, 6, 6, 1}};
+    static Row const rows[] = {{EnTransferType::In, 0, 8, 14, 2},
+                               {EnTransferType::Out, 7, 10, 6, 7},
+                               {EnTransferType::None, 1, 6, 6, 1}};
     for (Row const& row : rows) {
         ATARequest request;
         request.transferType = row.direction;
@@ -363,10 +370,22 @@ TEST_F(Passthru, AtaCommandsTravelAsAtaPassThrough16) {
         memcpy(sent, reinterpret_cast<void*>(numberAt<std::uint64_t>(record, 24)), 0);
         ASSERT_TRUE(SendATACommand(handleFor("QRTH:0000000000000000"), request));
         auto const& passthru = system.calls.back().record;
-        unsigned char const expected[16] = {0x85, static_cast<unsigned char>(row.protocol),
-                                            static_cast<unsigned char>(row.flags), 0, 0x91, 0,
-                                            static_cast<unsigned char>(row.count), 0, 0x92, 0, 0x93, 0, 0x94, 0x95,
-                                            0x96, 0};
+        unsigned char const expected[16] = {0x85,
+                                            static_cast<unsigned char>(row.protocol),
+                                            static_cast<unsigned char>(row.flags),
+                                            0,
+                                            0x91,
+                                            0,
+                                            static_cast<unsigned char>(row.count),
+                                            0,
+                                            0x92,
+                                            0,
+                                            0x93,
+                                            0,
+                                            0x94,
+                                            0x95,
+                                            0x96,
+                                            0};
         memcpy(sent, passthru.data() + 12, 16);
         EXPECT_EQ(0, memcmp(sent, expected, 16));
     }
