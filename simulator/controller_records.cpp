@@ -1,0 +1,251 @@
+#include "simulator/controller_records.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace simulator {
+
+namespace {
+
+constexpr char const* RECORD_KEYS[] = {
+    "identify", "subsystem",    "controller_parameters", "redundant_parameters",
+    "cache",    "cache_module", "surface_status",        "mnp_status"};
+constexpr unsigned ENCRYPTION_PAGES[] = {1, 3, 6, 7, 8, 9, 10};
+constexpr std::size_t MOST_LOGICAL_DRIVES = 1024;
+constexpr std::size_t LARGEST_RECORD = 65536;
+
+/// A record of its layout's size, to be filled by member names.
+class Filler {
+  public:
+    explicit Filler(RecordLayout const& layout) : m_layout(layout), m_record(layout.size, 0) {}
+
+    Filler& number(std::string_view name, std::uint64_t value) {
+        Field const& field = *findField(m_layout, name);
+        putLittle(&m_record[field.offset], field.size, value);
+        return *this;
+    }
+    Filler& text(std::string_view name, std::string_view value) {
+        Field const& field = *findField(m_layout, name);
+        putText(&m_record[field.offset], field.size, value);
+        return *this;
+    }
+    Filler& big(std::string_view name, std::uint64_t value) {
+        Field const& field = *findField(m_layout, name);
+        putBig(&m_record[field.offset], 8, value);
+        return *this;
+    }
+    /// All text members that nothing is said about are blank, not zero.
+    Filler& blankTexts() {
+        for (Field const& field : m_layout.fields)
+            if (field.kind == FieldKind::Text) putText(&m_record[field.offset], field.size, "");
+        return *this;
+    }
+    std::uint8_t* at(std::size_t offset) { return &m_record[offset]; }
+    Bytes take() { return std::move(m_record); }
+
+  private:
+    RecordLayout const& m_layout;
+    Bytes m_record;
+};
+
+}  // namespace
+
+ControllerRecords::Override ControllerRecords::read(Object const& object, std::string const& key) {
+    auto const value = object.find(key);
+    return value ? Override{value->json(), value->where()} : Override{};
+}
+
+ControllerRecords::ControllerRecords(Object const& device, Facts facts) : m_facts(std::move(facts)) {
+    for (char const* key : RECORD_KEYS)
+        m_overrides[key] = read(device, key);
+    if (auto const drives = device.find("logical_drives")) {
+        for (Value const& drive : drives->list()) {
+            Object const object(drive);
+            m_logicalDrives.push_back({read(object, "configuration"), read(object, "identify")});
+            object.refuseOthers();
+        }
+        if (m_logicalDrives.size() > MOST_LOGICAL_DRIVES)
+            drives->refuse("at most " + std::to_string(MOST_LOGICAL_DRIVES) + " logical drives");
+    }
+    if (auto const encryption = device.find("encryption")) {
+        bool const off = encryption->json() == "off";
+        if (!off)
+            for (auto const& [key, value] : Object(*encryption).all()) {
+                auto const* const page =
+                    std::find_if(std::begin(ENCRYPTION_PAGES), std::end(ENCRYPTION_PAGES),
+                                 [&, &name = key](unsigned p) { return std::to_string(p) == name; });
+                if (page == std::end(ENCRYPTION_PAGES))
+                    throw ScenarioError(value.where() + ": found page \"" + key +
+                                        "\", expected 1, 3, 6, 7, 8, 9 or 10");
+                m_encryptionPages[*page] = {value.json(), value.where()};
+            }
+    }
+    checkAll();
+}
+
+/// Builds every record once, so that a scenario's mistakes show when it is read.
+void ControllerRecords::checkAll() const {
+    identifyController({});
+    subsystem();
+    controllerParameters();
+    redundantParameters();
+    cacheConfiguration(0);
+    cacheConfiguration(1);
+    surfaceStatus();
+    mnpStatus();
+    for (unsigned drive = 0; drive < m_logicalDrives.size(); ++drive) {
+        logicalDriveConfiguration(drive);
+        identifyLogicalDrive(drive);
+    }
+    for (unsigned const page : ENCRYPTION_PAGES)
+        encryptionPage(page);
+}
+
+/// Applies what the scenario sets. A record that announces a greater length than it has is that long.
+Bytes ControllerRecords::finish(RecordLayout const& layout, Bytes record, Override const& override) {
+    setFields(layout, record, Value(override.json, override.where));
+    if (Field const* total = findField(layout, "dwTotalStructureLength")) {
+        std::uint64_t const length = getLittle(&record[total->offset], total->size);
+        record.resize(std::max<std::size_t>(record.size(), std::min<std::uint64_t>(length, LARGEST_RECORD)),
+                      0);
+    }
+    return record;
+}
+
+Bytes ControllerRecords::identifyController(FirmwareVersions const& versions) const {
+    Filler record(IDENTIFY_CONTROLLER);
+    record.blankTexts()
+        .number("bConfiguredLogicalDrives", std::min<std::size_t>(m_logicalDrives.size(), 255))
+        .number("dwConfigurationSignature", 0x5C1E0001)
+        .text("sRAMFirmwareRev", versions.running)
+        .text("sROMFirmwareRev", versions.active)
+        .text("sROMInactiveRev", versions.inactive)
+        .number("bHardwareRevision", 0x42)
+        .text("sBootBlockRevision", "1.07")
+        .number("dwBoardID", m_facts.boardId)
+        .text("cMarketingRevision", "A")
+        .number("bDrivesPerBus", 16)
+        .number("wTotalAvailableMemorySize", 512)
+        .text("sDDFFVersion", "0")
+        .number("wMaximumLogicalDevicesSupported", 64)
+        .number("wMaximumPhysicalDevicesSupported", 128)
+        .number("wMaximumPhysicalDrivesPerLogicalUnit", 128)
+        .number("bPCISlot", std::strtoul(m_facts.slot.c_str(), nullptr, 10) & 0xFF)
+        .number("wFirmwareBuildNumber", 1)
+        .number("dwMaximumSafeFullStripeSizeMB", 64)
+        .number("dwTotalStructureLength", 512)
+        .text("sVendorID", "VQ")
+        .text("sProductID", m_facts.product)
+        .number("bMaximumDevicePaths", 2)
+        .number("dwFixedStructureLength", 293)
+        .text("sFirmwareCompileTimeStamp", "Jan 15 2024 10:30:00")
+        .number("bPCIEGeneration", 3)
+        .number("bPCIEWidth", 8);
+    return finish(IDENTIFY_CONTROLLER, record.take(), m_overrides.at("identify"));
+}
+
+Bytes ControllerRecords::subsystem() const {
+    Filler record(SUBSYSTEM_INFORMATION);
+    record.blankTexts()
+        .number("bControllerSlotNumber", std::strtoul(m_facts.slot.c_str(), nullptr, 10) & 0xFF)
+        .text("sChassisSerialNumber", "VQCHASSIS01")
+        .big("bPortName", m_facts.worldWideName)
+        .text("sControllerSerialNumber", m_facts.serial)
+        .text("sCacheSerialNumber", "0000000000000000")
+        .big("bNodeName", m_facts.worldWideName)
+        .number("bInternalPortCount", 2)
+        .number("bExternalPortCount", 0)
+        .text("sProductID", m_facts.product)
+        .number("dwTotalStructureLength", 1600)
+        .number("bControllerTemperature", 41)
+        .number("bCacheModuleTemperature", 36)
+        .number("wCacheModuleDataWidth", 72)
+        .number("wCacheModuleXferRate", 0x4E8);
+    // Two internal ports of four phys: 12 bytes each, and 32 bytes each with the port's own address.
+    for (unsigned port = 0; port < 2; ++port) {
+        putLittle(record.at(496 + 12 * port), 8, std::uint64_t{0xF} << 4 * port);
+        putText(record.at(504 + 12 * port), 2, port == 0 ? "1I" : "2I");
+        putBig(record.at(708 + 32 * port), 8, m_facts.worldWideName + 1 + port);
+    }
+    return finish(SUBSYSTEM_INFORMATION, record.take(), m_overrides.at("subsystem"));
+}
+
+Bytes ControllerRecords::controllerParameters() const {
+    Filler record(CONTROLLER_PARAMETERS);
+    record.blankTexts()
+        .number("wQueueDepth", 32)
+        .number("bRebuildPriority", 6)
+        .number("bExpandPriority", 6)
+        .text("sHardwareName", m_facts.product)
+        .number("dwTotalStructureLength", 512);
+    return finish(CONTROLLER_PARAMETERS, record.take(), m_overrides.at("controller_parameters"));
+}
+
+Bytes ControllerRecords::redundantParameters() const {
+    Filler record(REDUNDANT_PARAMETERS);
+    record.blankTexts()
+        .text("sCurrentControllerIdentifier", m_facts.serial)
+        .number("dwTotalStructureLength", 512)
+        .number("wMaximumLogicalDevicesSupported", 64)
+        .number("dwFixedStructureLength", 150);
+    return finish(REDUNDANT_PARAMETERS, record.take(), m_overrides.at("redundant_parameters"));
+}
+
+Bytes ControllerRecords::cacheConfiguration(unsigned unit) const {
+    Filler record(CACHE_CONFIGURATION);
+    record.number("dwTotalStructureLength", 512)
+        .number("wMaximumLogicalDevicesSupported", 64)
+        .number("dwFixedStructureLength", 256)
+        .number("wTotalMemorySize", 512)
+        .number("wNonBatteryBackedMemorySize", 512)
+        .number("wTotalAvailableMemorySize", 512)
+        .number("bPercentReadCache", 100);
+    return finish(CACHE_CONFIGURATION, record.take(), m_overrides.at(unit == 0 ? "cache" : "cache_module"));
+}
+
+Bytes ControllerRecords::surfaceStatus() const {
+    Bytes record(SURFACE_STATUS.size, 0);
+    putLittle(&record[1422], 4, record.size());  // total length
+    return finish(SURFACE_STATUS, std::move(record), m_overrides.at("surface_status"));
+}
+
+Bytes ControllerRecords::mnpStatus() const {
+    return finish(MNP_STATUS, Bytes(MNP_STATUS.size, 0), m_overrides.at("mnp_status"));
+}
+
+Bytes ControllerRecords::logicalDriveConfiguration(unsigned drive) const {
+    Filler record(LOGICAL_DRIVE_CONFIGURATION);
+    record.number("dwTotalStructureLength", 512).number("dwFixedStructureLength", 300);
+    if (drive >= m_logicalDrives.size()) return record.take();
+    record.number("dwSignature", 0x5C1E1000 + drive)
+        .number("wPhysicalDrives", 2)
+        .number("wAssignedDrives", 2)
+        .number("qwBigBlocksInLogicalDrive", 1953525168)
+        .number("wBlockSize", 512)
+        .number("bConfigModMajorVer", 2)
+        .number("wMaximumPhysicalDevicesSupported", 128);
+    return finish(LOGICAL_DRIVE_CONFIGURATION, record.take(), m_logicalDrives[drive].configuration);
+}
+
+Bytes ControllerRecords::identifyLogicalDrive(unsigned drive) const {
+    Filler record(IDENTIFY_LOGICAL_DRIVE);
+    if (drive >= m_logicalDrives.size()) return record.take();
+    record.number("wBlockSize", 512)
+        .number("dwBlocksOnVolume", 1953525168)
+        .number("dwVolumeIdentifier", 0x5C1E2000 + drive)
+        .text("sVolumeLabel", "VOLUME " + std::to_string(drive + 1))
+        .number("qwBigBlocksInLogicalDrive", 1953525168);
+    return finish(IDENTIFY_LOGICAL_DRIVE, record.take(), m_logicalDrives[drive].identify);
+}
+
+std::optional<Bytes> ControllerRecords::encryptionPage(unsigned page) const {
+    if (std::find(std::begin(ENCRYPTION_PAGES), std::end(ENCRYPTION_PAGES), page) ==
+        std::end(ENCRYPTION_PAGES))
+        return std::nullopt;
+    Bytes record(ENCRYPTION_PAGE.size, 0);
+    auto const found = m_encryptionPages.find(page);
+    return found == m_encryptionPages.end() ? record
+                                            : finish(ENCRYPTION_PAGE, std::move(record), found->second);
+}
+
+}  // namespace simulator

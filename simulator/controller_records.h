@@ -1,0 +1,66 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "simulator/device.h"
+#include "simulator/fields.h"
+
+namespace simulator {
+
+/// The replies of a controller's sense commands: sensible contents, then what the scenario sets by name.
+class ControllerRecords {
+  public:
+    struct Facts {
+        std::string product;
+        std::string serial;
+        std::string slot;
+        std::uint32_t boardId = 0;
+        std::uint64_t worldWideName = 0;
+    };
+    struct FirmwareVersions {
+        std::string running;
+        std::string active;
+        std::string inactive;
+    };
+
+    /// Reads a device's record keys ("identify", "subsystem", ...). Throws ScenarioError.
+    ControllerRecords(Object const& device, Facts facts);
+
+    Bytes identifyController(FirmwareVersions const& versions) const;
+    Bytes subsystem() const;
+    Bytes controllerParameters() const;
+    Bytes redundantParameters() const;
+    /// `unit` 0 or 1: the controller's page or the cache module's.
+    Bytes cacheConfiguration(unsigned unit) const;
+    Bytes surfaceStatus() const;
+    Bytes mnpStatus() const;
+    /// A record of zeros but for its lengths when there is no such drive.
+    Bytes logicalDriveConfiguration(unsigned drive) const;
+    Bytes identifyLogicalDrive(unsigned drive) const;
+    /// Nothing when there is no such page.
+    std::optional<Bytes> encryptionPage(unsigned page) const;
+
+  private:
+    /// What a scenario sets in one record; it outlives the document it came from.
+    struct Override {
+        nlohmann::json json = nlohmann::json::object();
+        std::string where;
+    };
+    struct LogicalDrive {
+        Override configuration;
+        Override identify;
+    };
+    static Override read(Object const& object, std::string const& key);
+    static Bytes finish(RecordLayout const& layout, Bytes record, Override const& override);
+    void checkAll() const;
+
+    Facts m_facts;
+    std::map<std::string, Override> m_overrides;
+    std::vector<LogicalDrive> m_logicalDrives;
+    std::map<unsigned, Override> m_encryptionPages;
+};
+
+}  // namespace simulator
