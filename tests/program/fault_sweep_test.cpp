@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <set>
 
 #include "tests/support/package_run.h"
@@ -14,6 +15,8 @@ struct FaultKind {
     char const* name;
     char const* action;  ///< of the fault plan, without the exchange's number
 };
+
+void PrintTo(FaultKind const& kind, std::ostream* out) { *out << kind.name; }
 
 constexpr FaultKind KINDS[] = {
     {"Errno", R"("errno": "EIO")"},

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <ostream>
 #include <regex>
 
 #include "tests/support/package_run.h"
@@ -171,6 +172,8 @@ struct Row {
     int status;
     char const* older;
 };
+
+void PrintTo(Row const& row, std::ostream* out) { *out << row.name; }
 
 Row const ROWS[] = {
     {"Yes",
