@@ -137,7 +137,6 @@ Reply MachineCore::exchange(Device& device, Command const& command, RequestInfo 
     }
     if (rule != nullptr) entry.fault = rule->text;
     if (reply.data.size() > command.room()) reply.data.resize(command.room());
-    if (!reply.good()) reply.data.clear();
     if (reply.good() && command.direction == Direction::In && reply.data.size() < command.room())
         reply.commandStatus = COMMAND_UNDERRUN;
     reply.microseconds = std::max(reply.microseconds, SHORTEST_EXCHANGE);

@@ -141,7 +141,7 @@ MappedPath::MappedPath(char const* path, int directory) : m_given(path) {
         m_ours = std::move(*ours);
         m_text = door().root + m_ours;
         // A slash at the end asks for what a link leads to.
-        
+        if (whole.ends_with('/') || whole.ends_with("/.")) m_text += '/';
         m_mapped = true;
     } catch (std::exception const&) {
         m_mapped = false;

@@ -65,6 +65,8 @@ TEST_F(Programs, AnOrdinaryProgramSeesTheMachine) {
     EXPECT_EQ("12\n",
               exec("cd /sys/bus/pci/devices/0000:13:00.0 && cat host0/target0:0:0/0:0:0:0/type").output);
     EXPECT_EQ(0, exec("test -d /sys/bus/pci/devices/0000:13:00.0/").status);
+    EXPECT_EQ(0, exec("test -L /sys/bus/pci/devices/0000:13:00.0").status);
+    EXPECT_EQ(1, exec("test -L /sys/bus/pci/devices/0000:13:00.0/").status) << "what the link leads to";
     EXPECT_EQ(1, exec("test -e /sys/bus/pci/devices/0000:00:00.0").status);
     EXPECT_EQ(0, exec("test -e /proc/self/status").status) << "the host's";
 }
