@@ -1,5 +1,4 @@
-#ifndef COMMON_ALLOCATOR_H
-#define COMMON_ALLOCATOR_H
+#pragma once
 
 #include <cstddef>
 #include <new>
@@ -14,5 +13,3 @@ class DefaultAllocator {
 };
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_ANY_H
-#define COMMON_ANY_H
+#pragma once
 
 #include <concepts>
 #include <type_traits>
@@ -142,5 +141,3 @@ class Any {
 };
 
 }  // namespace Common
-
-#endif

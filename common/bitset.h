@@ -1,5 +1,4 @@
-#ifndef COMMON_BITSET_H
-#define COMMON_BITSET_H
+#pragma once
 
 namespace Common {
 
@@ -39,5 +38,3 @@ class bitset {
 };
 
 }  // namespace Common
-
-#endif

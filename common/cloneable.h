@@ -1,5 +1,4 @@
-#ifndef COMMON_CLONEABLE_H
-#define COMMON_CLONEABLE_H
+#pragma once
 
 namespace Common {
 
@@ -16,5 +15,3 @@ class CloneableInherit : public Base {
 };
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_COMPOUND_LIST_H
-#define COMMON_COMPOUND_LIST_H
+#pragma once
 
 #include "common/list.h"
 #include "common/string.h"
@@ -47,5 +46,3 @@ class CompoundList {
 };
 
 }  // namespace Common
-
-#endif

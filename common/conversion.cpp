@@ -259,7 +259,7 @@ unsigned int leastCommonMultiple(unsigned int const& a, unsigned int const& b) {
 unsigned int stringToIndex(char const* const* begin, char const* const* end, char const* text) {
     unsigned int index = 0;
     for (char const* const* entry = begin; entry != end; ++entry, ++index) {
-        if (std::strcmp(*entry, text) == 0) break;
+        if (*entry != nullptr && text != nullptr && std::strcmp(*entry, text) == 0) break;
     }
     return index;
 }

@@ -1,5 +1,4 @@
-#ifndef COMMON_CONVERSION_H
-#define COMMON_CONVERSION_H
+#pragma once
 
 #include <concepts>
 #include <type_traits>
@@ -125,9 +124,8 @@ template <class T>
 requires std::same_as<T, unsigned int> || std::same_as<T, unsigned long long> T LCM(T const& a, T const& b);
 unsigned int leastCommonMultiple(unsigned int const& a, unsigned int const& b);
 
-// Index of the first entry equal to `text`; the number of entries when there is none.
+// Index of the first entry equal to `text`; the number of entries when there is none. A
+// null text or entry equals nothing.
 unsigned int stringToIndex(char const* const* begin, char const* const* end, char const* text);
 
 }  // namespace Conversion
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_CONVERTIBLE_H
-#define COMMON_CONVERTIBLE_H
+#pragma once
 
 namespace Common {
 
@@ -30,5 +29,3 @@ class NonCopyable {
 };
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_COPY_PTR_H
-#define COMMON_COPY_PTR_H
+#pragma once
 
 #include <cstddef>
 #include <cstring>
@@ -80,5 +79,3 @@ class copy_ptr {
 };
 
 }  // namespace Common
-
-#endif

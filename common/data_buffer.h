@@ -1,5 +1,4 @@
-#ifndef COMMON_DATA_BUFFER_H
-#define COMMON_DATA_BUFFER_H
+#pragma once
 
 namespace Common {
 
@@ -11,5 +10,3 @@ class DataBuffer {
 };
 
 }  // namespace Common
-
-#endif

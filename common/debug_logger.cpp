@@ -44,7 +44,10 @@ bool DebugLogger::QueryIsLoggable() {
 }
 
 void DebugLogger::RegisterDebugOutputStream(int mask, shared_ptr<OutputStream> const& stream) {
-    if (stream == nullptr) return;
+    if (stream == nullptr) {
+        LogCommand("Log stream of mask %d refused: null, expected a stream", mask);
+        return;
+    }
     Lock const lock(DebugLogMutex());
     s_outputStreamList().push_back(
         pair<unsigned char, shared_ptr<OutputStream>>(static_cast<unsigned char>(mask), stream));
@@ -77,16 +80,23 @@ void DebugLogger::LogCommand(char const* format, ...) {
     va_end(arguments);
 }
 
-// vsnprintf terminates; what is longer than MAX_TEXT is cut off.
+// vsnprintf terminates, and says how long the text would be.
 void DebugLogger::LogFormatted(int level, char const* format, va_list arguments) {
     char text[MAX_TEXT + 1] = {};
     // The analyzer doesn't see that the callers have started the list.
-    std::vsnprintf(text, sizeof text, format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized)
+    int const length =
+        std::vsnprintf(text, sizeof text, format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized)
     LogMessage(level, text, true, true);
+    constexpr int longest = static_cast<int>(MAX_TEXT);
+    if (length > longest) Log(level, "%d characters of a log text cut off", length - longest);
 }
 
 void DebugLogger::LogMessage(int level, char const* text, bool withTimestamp, bool withNewline) {
     if (!QueryIsLoggable()) return;
+    if (text == nullptr) {
+        LogMessage(level, "Log text refused: null, expected a text", true, true);
+        return;
+    }
     Lock const lock(DebugLogMutex());
 
     char timestamp[32] = {};

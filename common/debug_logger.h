@@ -1,5 +1,4 @@
-#ifndef COMMON_DEBUG_LOGGER_H
-#define COMMON_DEBUG_LOGGER_H
+#pragma once
 
 #include <atomic>
 #include <cstdarg>
@@ -19,7 +18,7 @@ class DebugLogger {
   public:
     using StreamList = list<pair<unsigned char, shared_ptr<OutputStream>>>;
 
-    // The longest text of Log and LogCommand; a longer one is cut off.
+    // The longest text of Log and LogCommand; a longer one is cut off, and a second line says by how much.
     static constexpr unsigned int MAX_TEXT = 2047;
 
     static void Pause();
@@ -28,7 +27,7 @@ class DebugLogger {
     // Not paused and at least one stream.
     static bool QueryIsLoggable();
 
-    // A null stream is refused.
+    // A null stream is refused, logged.
     static void RegisterDebugOutputStream(int mask, shared_ptr<OutputStream> const& stream);
     static void UnRegisterAllDebugOutputStreams();
 
@@ -37,7 +36,8 @@ class DebugLogger {
     // Level 1.
     static void LogCommand(char const* format, ...) __attribute__((format(printf, 1, 2)));
 
-    // "[YYYY-MM-DD HH:MM:SS] " in local time, text, newline; the text is not a format here.
+    // "[YYYY-MM-DD HH:MM:SS] " in local time, text, newline; the text is not a format here. A null text is
+    // refused: a line of that level says so.
     static void LogMessage(int level, char const* text, bool withTimestamp, bool withNewline);
 
     // Hex dump, 16 bytes to the line, under two header lines.
@@ -57,5 +57,3 @@ class DebugLogger {
 };
 
 }  // namespace Common
-
-#endif

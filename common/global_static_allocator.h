@@ -1,5 +1,4 @@
-#ifndef COMMON_GLOBAL_STATIC_ALLOCATOR_H
-#define COMMON_GLOBAL_STATIC_ALLOCATOR_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -48,7 +47,7 @@ class GlobalStaticAllocator {
     bool isInvariant() const { return true; }
 
     // Writes a report of the pool, terminated, at most `size` bytes in all. What doesn't fit is cut off
-    // and logged.
+    // and logged; so is a buffer without any room.
     static void ToXML(char* buffer, unsigned int size);
 
   protected:
@@ -86,5 +85,3 @@ void* operator new(std::size_t size, Common::GlobalStaticAllocator* pool) noexce
 void* operator new[](std::size_t size, Common::GlobalStaticAllocator* pool) noexcept;
 void operator delete(void* p, Common::GlobalStaticAllocator* pool) noexcept;
 void operator delete[](void* p, Common::GlobalStaticAllocator* pool) noexcept;
-
-#endif

@@ -43,7 +43,11 @@ class BoundedText {
 }  // namespace
 
 void GlobalStaticAllocator::ToXML(char* buffer, unsigned int size) {
-    if (buffer == nullptr || size == 0) return;
+    if (buffer == nullptr || size == 0) {
+        DebugLogger::LogCommand("Memory pool report refused: %s of %u characters, expected room for a text",
+                                buffer == nullptr ? "no buffer" : "a buffer", size);
+        return;
+    }
     BoundedText text(buffer, size);
     {
         Synchronization::ScopedMutexLock<Synchronization::ProcessMutex> const lock(pgsaMutex());

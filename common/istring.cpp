@@ -13,6 +13,7 @@ int lower(char c) {
 }  // namespace
 
 int stricmp(char const* a, char const* b) {
+    if (a == nullptr || b == nullptr) return 0;
     for (; *a != '\0' && *b != '\0'; ++a, ++b) {
         if (lower(*a) != lower(*b)) return 1;
     }

@@ -1,13 +1,12 @@
-#ifndef COMMON_ISTRING_H
-#define COMMON_ISTRING_H
+#pragma once
 
 #include "common/shared_text.h"
 #include "common/string.h"
 
 namespace Common {
 
-// 0 as soon as either text ends, so that a prefix counts as equal; 1 at the first difference. Never
-// negative, which makes istring::operator< always false.
+// 0 as soon as either text ends, so that a prefix counts as equal; 1 at the first difference. A null text
+// counts as an empty one. Never negative, which makes istring::operator< always false.
 int stricmp(char const* a, char const* b);
 
 // 0 for equal, 1 at the first difference; 0 for `n` of 0.
@@ -75,5 +74,3 @@ istring operator+(istring const& a, char const* b);
 istring operator+(char const* a, istring const& b);
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_LIST_H
-#define COMMON_LIST_H
+#pragma once
 
 #include <cstddef>
 #include <iterator>
@@ -211,5 +210,3 @@ class list {
 };
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_LOCAL_STATIC_ALLOCATOR_H
-#define COMMON_LOCAL_STATIC_ALLOCATOR_H
+#pragma once
 
 namespace Common {
 
@@ -16,5 +15,3 @@ template <class T, unsigned int N, EnLocalMemFullAllocPolicy Policy = EnLocalMem
 class LocalStaticAllocator : public LocalAllocatorImpl<T, N, Policy> {};
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_MAP_H
-#define COMMON_MAP_H
+#pragma once
 
 #include "common/allocator.h"
 #include "common/convertible.h"
@@ -115,5 +114,3 @@ class map : public Convertible {
 };
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_MODULE_NAME_H
-#define COMMON_MODULE_NAME_H
+#pragma once
 
 #include "common/string.h"
 
@@ -9,5 +8,3 @@ namespace Common {
 string moduleName();
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_OS_MUTEX_H
-#define COMMON_OS_MUTEX_H
+#pragma once
 
 #include <semaphore.h>
 #include <sys/types.h>
@@ -62,5 +61,3 @@ void ReleaseOSMutex(string const& name, OSMutexHandle* handle);
 key_t OSMutexKey(string const& name);
 
 }  // namespace Common::Synchronization
-
-#endif

@@ -11,7 +11,7 @@ namespace {
 
 // What printf(data) would give where `data` has no conversion but "%%".
 string formatWithoutArguments(char const* data, unsigned int length) {
-    unsigned int const end = static_cast<unsigned int>(strnlen(data, length));
+    unsigned int const end = data != nullptr ? static_cast<unsigned int>(strnlen(data, length)) : 0;
     auto text = std::make_unique<char[]>(std::size_t{end} + 1);
     unsigned int n = 0;
     for (unsigned int i = 0; i < end; ++i) {
@@ -29,6 +29,10 @@ void OutputStreamToConsole::Accept(char const* data, unsigned int const& length)
 }
 
 void OutputStreamToLog::Accept(char const* data, unsigned int const& length) {
+    if (data == nullptr) {
+        DebugLogger::LogMessage(1, nullptr, true, true);
+        return;
+    }
     DebugLogger::LogCommand("%s", formatWithoutArguments(data, length).c_str());
 }
 
@@ -56,13 +60,13 @@ void OutputStreamToFile::Close() {
 }
 
 void OutputStreamToFile::Accept(char const* data, unsigned int const& length) {
-    if (m_file == nullptr) return;
+    if (m_file == nullptr || data == nullptr) return;
     std::fwrite(data, 1, length, m_file);
     std::fflush(m_file);
 }
 
 void OutputStreamToBuffer::Accept(char const* data, unsigned int const& length) {
-    unsigned int left = length;
+    unsigned int left = data != nullptr ? length : 0;
     while (left > 0) {
         if (m_chunks.empty() || m_used == CHUNK_SIZE) {
             m_chunks.push_back(Chunk());

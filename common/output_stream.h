@@ -1,5 +1,4 @@
-#ifndef COMMON_OUTPUT_STREAM_H
-#define COMMON_OUTPUT_STREAM_H
+#pragma once
 
 #include <cstdio>
 
@@ -15,13 +14,13 @@ namespace Common {
 class OutputStream : public virtual GlobalStaticAllocator {
   public:
     virtual ~OutputStream() = default;
-    // `length` bytes at `data`. A stream that fails doesn't report.
+    // `length` bytes at `data`; null `data` counts as no bytes. A stream that fails doesn't report.
     virtual void Accept(char const* data, unsigned int const& length) = 0;
 };
 
-// The console takes its data as a format without arguments: "%%" prints "%". It has always been so, and
-// callers double their percent signs. Any other conversion would read arguments that nobody passed: it is
-// refused and written as it stands. Ends at `length` or at a zero byte.
+// The console takes its data as a format without arguments: "%%" prints "%". Any other
+// conversion would read arguments that nobody passed: it is refused and written as it stands. Ends at
+// `length` or at a zero byte.
 class OutputStreamToConsole : public OutputStream {
   public:
     void Accept(char const* data, unsigned int const& length) override;
@@ -93,5 +92,3 @@ class OutputStreamToBuffer : public virtual DataBuffer, public virtual OutputStr
 };
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_PAIR_H
-#define COMMON_PAIR_H
+#pragma once
 
 #include "common/convertible.h"
 #include "common/string.h"
@@ -23,5 +22,3 @@ class pair : public Convertible {
 };
 
 }  // namespace Common
-
-#endif

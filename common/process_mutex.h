@@ -1,5 +1,4 @@
-#ifndef COMMON_PROCESS_MUTEX_H
-#define COMMON_PROCESS_MUTEX_H
+#pragma once
 
 #include <pthread.h>
 
@@ -22,5 +21,3 @@ class ProcessMutex : public NonCopyable {
 };
 
 }  // namespace Common::Synchronization
-
-#endif

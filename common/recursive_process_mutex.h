@@ -1,5 +1,4 @@
-#ifndef COMMON_RECURSIVE_PROCESS_MUTEX_H
-#define COMMON_RECURSIVE_PROCESS_MUTEX_H
+#pragma once
 
 #include <pthread.h>
 
@@ -26,5 +25,3 @@ class RecursiveProcessMutex : public NonCopyable {
 };
 
 }  // namespace Common::Synchronization
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_SCOPED_MUTEX_LOCK_H
-#define COMMON_SCOPED_MUTEX_LOCK_H
+#pragma once
 
 #include "common/convertible.h"
 
@@ -17,5 +16,3 @@ class ScopedMutexLock : public NonCopyable {
 };
 
 }  // namespace Common::Synchronization
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_SHARED_PTR_H
-#define COMMON_SHARED_PTR_H
+#pragma once
 
 #include <cstddef>
 #include <type_traits>
@@ -119,5 +118,3 @@ shared_ptr<To> static_pointer_cast(shared_ptr<From> const& from) {
 }
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_SHARED_TEXT_H
-#define COMMON_SHARED_TEXT_H
+#pragma once
 
 namespace Common {
 
@@ -74,5 +73,3 @@ class SharedText {
 unsigned int textLength(char const* s);
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_SLEEP_H
-#define COMMON_SLEEP_H
+#pragma once
 
 namespace Common::Synchronization {
 
@@ -14,5 +13,3 @@ void SleepMicroseconds(unsigned int microseconds);
 void Sleep(unsigned int milliseconds);
 
 }  // namespace Common::Synchronization
-
-#endif

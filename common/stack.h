@@ -1,5 +1,4 @@
-#ifndef COMMON_STACK_H
-#define COMMON_STACK_H
+#pragma once
 
 #include "common/allocator.h"
 #include "common/convertible.h"
@@ -30,5 +29,3 @@ class stack : public Convertible {
 };
 
 }  // namespace Common
-
-#endif

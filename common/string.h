@@ -1,5 +1,4 @@
-#ifndef COMMON_STRING_H
-#define COMMON_STRING_H
+#pragma once
 
 #include "common/shared_text.h"
 
@@ -70,5 +69,3 @@ string operator+(string const& a, char const* b);
 string operator+(char const* a, string const& b);
 
 }  // namespace Common
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef COMMON_THREAD_H
-#define COMMON_THREAD_H
+#pragma once
 
 #include <pthread.h>
 
@@ -58,5 +57,3 @@ class ThreadGroup : public NonCopyable {
 };
 
 }  // namespace Common::Synchronization
-
-#endif

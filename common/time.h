@@ -1,5 +1,4 @@
-#ifndef COMMON_TIME_H
-#define COMMON_TIME_H
+#pragma once
 
 #include <ctime>
 
@@ -26,5 +25,3 @@ class time : public Convertible {
 };
 
 }  // namespace Common
-
-#endif

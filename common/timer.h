@@ -1,5 +1,4 @@
-#ifndef COMMON_TIMER_H
-#define COMMON_TIMER_H
+#pragma once
 
 #include <ctime>
 
@@ -17,5 +16,3 @@ class Timer {
 };
 
 }  // namespace Common::Synchronization
-
-#endif

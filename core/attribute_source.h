@@ -1,5 +1,4 @@
-#ifndef CORE_ATTRIBUTE_SOURCE_H
-#define CORE_ATTRIBUTE_SOURCE_H
+#pragma once
 
 #include "common/map.h"
 #include "common/pair.h"
@@ -56,5 +55,3 @@ class AttributePublisher {
 };
 
 }  // namespace Core
-
-#endif

@@ -1,5 +1,7 @@
 #include "core/attribute_value.h"
 
+#include <algorithm>
+
 namespace Core {
 
 bool AttributeValue::equals(AttributeValue const& other) const {
@@ -8,15 +10,17 @@ bool AttributeValue::equals(AttributeValue const& other) const {
     return mine != nullptr && others != nullptr && *mine == *others;
 }
 
+bool sameAttribute(Attribute const& a, Attribute const& b) {
+    return a.first == b.first && a.second.equals(b.second);
+}
+
 bool operator==(AttributeValueList const& a, AttributeValueList const& b) {
-    AttributeValueList::const_iterator left = a.begin();
-    AttributeValueList::const_iterator right = b.begin();
-    while (left != a.end() && right != b.end()) {
-        if (!left->equals(*right)) return false;
-        ++left;
-        ++right;
-    }
-    return left == a.end() && right == b.end();
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](AttributeValue const& x, AttributeValue const& y) { return x.equals(y); });
+}
+
+bool operator==(AttributeValueMap const& a, AttributeValueMap const& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), sameAttribute);
 }
 
 }  // namespace Core

@@ -1,5 +1,4 @@
-#ifndef CORE_ATTRIBUTE_VALUE_H
-#define CORE_ATTRIBUTE_VALUE_H
+#pragma once
 
 #include <type_traits>
 
@@ -58,8 +57,12 @@ class AttributeValue : public Common::Convertible {
 
 typedef Common::pair<Common::string, AttributeValue> Attribute;
 
-// Item by item, in order; found by the comparison of held lists.
+// The same name, and values that equals() takes for equal.
+bool sameAttribute(Attribute const& a, Attribute const& b);
+
+// Item by item, in order; found by the comparison of held values.
 bool operator==(AttributeValueList const& a, AttributeValueList const& b);
+bool operator==(AttributeValueMap const& a, AttributeValueMap const& b);
 
 }  // namespace Core
 
@@ -74,5 +77,3 @@ template <>
 struct Common::AnyToString<Core::AttributeValueMap> {
     static string text(Core::AttributeValueMap const&) { return string(); }
 };
-
-#endif

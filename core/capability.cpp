@@ -21,8 +21,17 @@ void Capability::Subscribe(Common::shared_ptr<Capability> child) {
 
 // Lets finders select an instance by the name that its class sets.
 void Capability::adoptClassAttribute(Capability& instance) const {
+    Common::string const name = getValueFor(Names::ATTR_NAME_ATTRIBUTE_NAME);
+    if (!instance.hasAttribute(Names::ATTR_NAME_CAPABILITY_INSTANCE)) {
+        if (!instance.hasAttribute(name)) {
+            Common::DebugLogger::LogCommand(
+                "Value of %s refused to an instance: it has no %s, a class took it over before", name.c_str(),
+                Names::ATTR_NAME_CAPABILITY_INSTANCE);
+        }
+        return;
+    }
     AttributeValue const value = instance.getPublicValueFor(Names::ATTR_NAME_CAPABILITY_INSTANCE);
-    instance.Receive(Attribute(getValueFor(Names::ATTR_NAME_ATTRIBUTE_NAME), value));
+    instance.Receive(Attribute(name, value));
     instance.AttributeSource::Clear(Names::ATTR_NAME_CAPABILITY_INSTANCE);
 }
 

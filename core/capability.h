@@ -1,5 +1,4 @@
-#ifndef CORE_CAPABILITY_H
-#define CORE_CAPABILITY_H
+#pragma once
 
 #include "common/list.h"
 #include "common/local_static_allocator.h"
@@ -47,7 +46,8 @@ class Capability : public AttributePublisher,
     ChildIterator endChild() const { return m_children.end(); }
 
     // Appends `child`. An instance that joins a class takes on the attribute that the class names: its value
-    // moves from ATTR_NAME_CAPABILITY_INSTANCE to that name. A null child is refused and logged.
+    // moves from ATTR_NAME_CAPABILITY_INSTANCE to that name. One that has moved its value already keeps it as
+    // it is; a class of another name gives it none, and that is logged. A null child is refused and logged.
     void Subscribe(Common::shared_ptr<Capability> child) override;
     // Removes the first child that is this very object, if any.
     void Unsubscribe(Common::shared_ptr<Capability> child) override;
@@ -77,5 +77,3 @@ class CapabilityInstance : public Capability {
 };
 
 }  // namespace Core
-
-#endif

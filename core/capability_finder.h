@@ -1,5 +1,4 @@
-#ifndef CORE_CAPABILITY_FINDER_H
-#define CORE_CAPABILITY_FINDER_H
+#pragma once
 
 #include "common/list.h"
 #include "common/map.h"
@@ -44,5 +43,3 @@ class CapabilityFinder {
 };
 
 }  // namespace Core
-
-#endif

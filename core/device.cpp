@@ -219,8 +219,9 @@ Device::ChildIterator Device::clear(Common::shared_ptr<Device> child) {
 void Device::ClearChildrenFor(Common::shared_ptr<Device> child) {
     ChildIterator grandchild = child->beginChild();
     while (grandchild != child->endChild()) {
-        (*grandchild)->m_isStale = true;
-        grandchild = child->clear(*grandchild);
+        ChildIterator const current = grandchild++;
+        (*current)->m_isStale = true;
+        child->clear(*current);
     }
 }
 

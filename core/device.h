@@ -1,5 +1,4 @@
-#ifndef CORE_DEVICE_H
-#define CORE_DEVICE_H
+#pragma once
 
 #include "common/list.h"
 #include "common/process_mutex.h"
@@ -42,10 +41,12 @@ class OperationSource {
 // receive(). The parent's pointer keeps it; its own pointer to the parent is raw, and null for a root, for a
 // clone that isn't attached, and once the parent is gone.
 //
-// Locks: every operation below, the const ones included, holds deviceMutex for its whole length. The mutex
-// is recursive, and a device that enters a tree takes over the tree's, so that locking one device locks the
-// tree. Attribute access itself (Core::AttributeSource) isn't locked. Process-wide order: reenumMutex()
-// first, then a device's mutex.
+// Locks: every public operation on a device's place in the tree, its operations, reasons and associations,
+// the const ones included, holds deviceMutex for its whole length. The mutex is recursive, and a device that
+// enters a tree takes over the tree's, so that locking one device locks the tree. Process-wide order:
+// reenumMutex() first, then a device's mutex. Three things aren't locked: attribute access
+// (Core::AttributeSource); what a kind implements itself, which runs under its caller's lock; and pointers
+// and iterators once they are returned, so a caller with concurrency holds the lock while it has one.
 //
 // Iterators over operations and reasons are dead after the next reenumeration.
 class Device : public AttributePublisher,
@@ -104,7 +105,7 @@ class Device : public AttributePublisher,
     virtual AssociationIterator beginAssociation() const;
     virtual AssociationIterator endAssociation() const;
     virtual bool hasAssociation(Common::string const& name) const;
-    // The last association of this name; null when there is none.
+    // Null when there is none.
     Common::shared_ptr<DeviceAssociation> getAssociation(Common::string const& name) const;
     void removeAssociation(Common::string const& name);
     // Drops all outgoing associations. Adds nothing to `results`.
@@ -254,5 +255,3 @@ class Device::ReenumeratePredicate {
 };
 
 }  // namespace Core
-
-#endif

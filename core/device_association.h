@@ -1,5 +1,4 @@
-#ifndef CORE_DEVICE_ASSOCIATION_H
-#define CORE_DEVICE_ASSOCIATION_H
+#pragma once
 
 #include "common/list.h"
 #include "common/local_static_allocator.h"
@@ -63,5 +62,3 @@ class DeviceAssociation : public DeviceSubscriber,
 };
 
 }  // namespace Core
-
-#endif

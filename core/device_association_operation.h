@@ -1,5 +1,4 @@
-#ifndef CORE_DEVICE_ASSOCIATION_OPERATION_H
-#define CORE_DEVICE_ASSOCIATION_OPERATION_H
+#pragma once
 
 #include "common/global_static_allocator.h"
 #include "common/list.h"
@@ -58,5 +57,3 @@ class DeviceAssociationOperation : public DeviceOperation, public DeviceAssociat
 };
 
 }  // namespace Core
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef CORE_DEVICE_COMPOSITE_H
-#define CORE_DEVICE_COMPOSITE_H
+#pragma once
 
 #include "core/device.h"
 
@@ -28,5 +27,3 @@ class DeviceComposite : public Device {
 };
 
 }  // namespace Core
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef CORE_DEVICE_EVENT_H
-#define CORE_DEVICE_EVENT_H
+#pragma once
 
 #include "common/list.h"
 #include "common/shared_ptr.h"
@@ -32,5 +31,3 @@ class DeviceEventPublisher {
 };
 
 }  // namespace Core
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef CORE_DEVICE_FACTORY_H
-#define CORE_DEVICE_FACTORY_H
+#pragma once
 
 #include "common/shared_ptr.h"
 #include "core/device.h"
@@ -32,5 +31,3 @@ class DeviceFactory {
 };
 
 }  // namespace Core
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef CORE_DEVICE_FINDER_H
-#define CORE_DEVICE_FINDER_H
+#pragma once
 
 #include "common/list.h"
 #include "common/map.h"
@@ -74,5 +73,3 @@ class DeletedDeviceFinder : public DeviceFinder {
 };
 
 }  // namespace Core
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef CORE_DEVICE_OPERATION_H
-#define CORE_DEVICE_OPERATION_H
+#pragma once
 
 #include "common/list.h"
 #include "common/pair.h"
@@ -43,7 +42,7 @@ class DeviceOperation : public VisitorDevice, public AttributePublisher, public 
     };
 
     // How an argument was derived from a capability.
-    enum EnAction { eRelativeDefault = 1, eRelative = 4, eAbsolute = 8 };
+    enum EnAction { eRelativeDefault = 1, eRelative = 4, eSET = 8 };
 
     // The outcome of setDefaultArguments().
     enum EnSetDefaultArguments {
@@ -123,5 +122,3 @@ class DeviceOperation : public VisitorDevice, public AttributePublisher, public 
 };
 
 }  // namespace Core
-
-#endif

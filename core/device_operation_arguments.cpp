@@ -120,7 +120,7 @@ void DeviceOperation::setAbsoluteDefaults(EnSetDefaultArguments& result, Capabil
                                           Common::string const& name) {
     if (defaults.empty() && result == eAllDefaultsSet) result = eNoDefault;
     for (Common::shared_ptr<Capability> const& instance : defaults) {
-        SetArgument(eAbsolute, name, instance->getPublicValueFor(name));
+        SetArgument(eSET, name, instance->getPublicValueFor(name));
         SetArgumentsFromCapabilityClassParent(result, instance);
     }
 }

@@ -7,6 +7,17 @@
 
 namespace Core {
 
+namespace {
+
+// Drops what was appended since the list had this size.
+template <class List>
+void shrink(List& list, unsigned size) {
+    while (list.size() > size)
+        list.erase(--list.end());
+}
+
+}  // namespace
+
 Device::OperationIterator Device::beginOperation() const {
     Lock lock(mutex());
     catchUpWriteOperations();
@@ -19,6 +30,8 @@ Device::OperationIterator Device::endOperation() const {
 }
 
 bool Device::hasOperation(Common::string const& name) const {
+    // The pointer is counted without atomic operations: it must die under the lock.
+    Lock lock(mutex());
     return static_cast<bool>(getOperation(name));
 }
 
@@ -43,6 +56,7 @@ Device::ReasonIterator Device::endUnavailableOperationReason() const {
 }
 
 bool Device::hasUnavailableOperationReason(Common::string const& operationName) const {
+    Lock lock(mutex());
     return static_cast<bool>(getUnavailableOperationReason(operationName));
 }
 
@@ -81,11 +95,20 @@ void Device::RegisterWriteOperations(ResultList&, ReenumeratePredicate const& pr
     // The flag stays set until the end, so a filter that asks this device for an operation comes back here.
     // It sees the operations registered so far.
     if (m_registeringWriteOperations) return;
-    m_registeringWriteOperations = true;
+    // All or nothing: when a filter throws the flag of the pending registration stays, and what was listed up
+    // to then would be listed again by the next one.
     struct Done {
-        bool& registering;
-        ~Done() { registering = false; }
-    } const done{m_registeringWriteOperations};
+        Device& device;
+        unsigned operations;
+        unsigned reasons;
+        ~Done() {
+            device.m_registeringWriteOperations = false;
+            if (!device.m_writeOperationsPending) return;
+            shrink(device.m_operations, operations);
+            shrink(device.m_unavailableReasons, reasons);
+        }
+    } const done{*this, m_operations.size(), m_unavailableReasons.size()};
+    m_registeringWriteOperations = true;
 
     Common::shared_ptr<Device> const self = getDevicePtr();
     if (OperationRegistry* const registry = dynamic_cast<OperationRegistry*>(this)) {
@@ -157,6 +180,7 @@ AssociationIterator Device::endAssociation() const {
 }
 
 bool Device::hasAssociation(Common::string const& name) const {
+    Lock lock(mutex());
     return static_cast<bool>(getAssociation(name));
 }
 

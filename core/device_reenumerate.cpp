@@ -195,11 +195,9 @@ void Device::markChildrenStale() {
 void Device::removeStaleChildren() {
     ChildIterator child = beginChild();
     while (child != endChild()) {
-        if ((*child)->isValid()) {
-            ++child;
-        } else {
-            child = clear(*child);
-        }
+        // Not from the iterator that clear() returns: for a child that entered another tree it is endChild().
+        ChildIterator const current = child++;
+        if (!(*current)->isValid()) clear(*current);
     }
 }
 

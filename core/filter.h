@@ -1,5 +1,4 @@
-#ifndef CORE_FILTER_H
-#define CORE_FILTER_H
+#pragma once
 
 #include "common/global_static_allocator.h"
 #include "common/list.h"
@@ -54,5 +53,3 @@ FilterReturn applyFilter(Common::shared_ptr<Filter> const& filter, Common::share
                          Common::string const& subject);
 
 }  // namespace Core
-
-#endif

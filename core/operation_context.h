@@ -1,5 +1,4 @@
-#ifndef CORE_OPERATION_CONTEXT_H
-#define CORE_OPERATION_CONTEXT_H
+#pragma once
 
 #include "common/map.h"
 #include "common/string.h"
@@ -37,5 +36,3 @@ class OperationContext {
 };
 
 }  // namespace Core
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef CORE_OPERATION_REGISTRY_H
-#define CORE_OPERATION_REGISTRY_H
+#pragma once
 
 #include "common/list.h"
 #include "common/shared_ptr.h"
@@ -116,5 +115,3 @@ void RegisterOperation(Common::string const& typeName, DeviceOperationCreatorBas
 void ActivateOperation(Common::string const& typeName, Common::string const& operationName);
 
 }  // namespace Core
-
-#endif

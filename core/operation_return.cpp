@@ -1,5 +1,7 @@
 #include "core/operation_return.h"
 
+#include <algorithm>
+
 namespace Core {
 
 namespace Names = Interface::TOLKMod::OperationReturn;
@@ -12,6 +14,14 @@ OperationReturn::OperationReturn(Common::string const& status) {
 
 OperationReturn::operator bool() const {
     return hasAttributeAndIs(Names::ATTR_NAME_STATUS, Names::ATTR_VALUE_STATUS_SUCCESS);
+}
+
+bool operator==(Common::list<OperationReturn> const& a, Common::list<OperationReturn> const& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](OperationReturn const& x, OperationReturn const& y) {
+                          return std::equal(x.beginAttribute(), x.endAttribute(), y.beginAttribute(),
+                                            y.endAttribute(), sameAttribute);
+                      });
 }
 
 }  // namespace Core

@@ -1,5 +1,4 @@
-#ifndef CORE_OPERATION_RETURN_H
-#define CORE_OPERATION_RETURN_H
+#pragma once
 
 #include "common/convertible.h"
 #include "common/list.h"
@@ -22,6 +21,9 @@ class OperationReturn : public AttributePublisher, public AttributeSource, publi
     explicit operator bool() const;
 };
 
+// The same attributes in each; found by the comparison of held values.
+bool operator==(Common::list<OperationReturn> const& a, Common::list<OperationReturn> const& b);
+
 }  // namespace Core
 
 // For logs: each item's attributes as "<name> = <value>", joined with ", ", the items with "; ".
@@ -29,5 +31,3 @@ template <>
 struct Common::AnyToString<Common::list<Core::OperationReturn>> {
     static string text(list<Core::OperationReturn> const& returns);
 };
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef CORE_TOLKMOD_H
-#define CORE_TOLKMOD_H
+#pragma once
 
 #include "core/constant_text.h"
 
@@ -141,5 +140,3 @@ KSL_TEXT_CONSTANT(ATTR_VALUE_DEVICE_EVENT_TYPE_BEFORE_REENUMERATE);
 }  // namespace Event
 
 }  // namespace Interface::TOLKMod
-
-#endif

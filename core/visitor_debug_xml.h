@@ -1,5 +1,4 @@
-#ifndef CORE_VISITOR_DEBUG_XML_H
-#define CORE_VISITOR_DEBUG_XML_H
+#pragma once
 
 #include "common/output_stream.h"
 #include "common/shared_ptr.h"
@@ -31,5 +30,3 @@ class VisitorDebugXML : public VisitorDevice {
 };
 
 }  // namespace Core
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef CORE_VISITOR_DEVICE_H
-#define CORE_VISITOR_DEVICE_H
+#pragma once
 
 #include "core/operation_return.h"
 
@@ -34,5 +33,3 @@ OperationReturn DispatchVisit(VisitorDevice& visitor, DeviceKind& device) {
 }
 
 }  // namespace Core
-
-#endif

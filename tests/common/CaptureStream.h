@@ -1,5 +1,4 @@
-#ifndef TESTS_COMMON_CAPTURE_STREAM_H
-#define TESTS_COMMON_CAPTURE_STREAM_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -26,18 +25,17 @@ class CaptureStream : public Common::OutputStream {
         }
     };
 
-    explicit CaptureStream(Lines& lines) : m_lines(lines) {}
+    CaptureStream(Lines& lines, std::string const& prefix) : m_lines(lines), m_prefix(prefix) {}
     void Accept(char const* data, unsigned int const& length) override {
-        m_lines.pieces.emplace_back(data, length);
+        m_lines.pieces.push_back(m_prefix + std::string(data, length));
     }
 
-    static void attach(Lines& lines, int mask) {
+    static void attach(Lines& lines, int mask, std::string const& prefix = "") {
         Common::DebugLogger::RegisterDebugOutputStream(
-            mask, Common::shared_ptr<Common::OutputStream>(new CaptureStream(lines)));
+            mask, Common::shared_ptr<Common::OutputStream>(new CaptureStream(lines, prefix)));
     }
 
   private:
     Lines& m_lines;
+    std::string m_prefix;
 };
-
-#endif

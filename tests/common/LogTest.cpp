@@ -22,7 +22,6 @@ class LogTest : public testing::Test {
 };
 
 TEST_F(LogTest, IsSilentUntilAStreamIsRegisteredAndWhilePaused) {
-    EXPECT_FALSE(DebugLogger::QueryIsLoggable());
     DebugLogger::RegisterDebugOutputStream(1, nullptr);
     EXPECT_FALSE(DebugLogger::QueryIsLoggable());
     DebugLogger::LogCommand("lost");
@@ -63,22 +62,43 @@ TEST_F(LogTest, MasksSelectLevels) {
     DebugLogger::LogCommand("Performing Operation: ");
     DebugLogger::Log(4, "Processing device: %s", "d");
     DebugLogger::Log(2, "nobody's");
+    DebugLogger::Log(6, "either of two levels");
     EXPECT_EQ(lines.count("Performing"), 1u);
     EXPECT_EQ(lines.count("Processing"), 0u);
     EXPECT_EQ(trace.count("Performing"), 0u);
     EXPECT_EQ(trace.count("Processing device: d"), 1u);
-    EXPECT_EQ(both.pieces.size(), 10u);
+    EXPECT_EQ(lines.count("either"), 0u);
+    EXPECT_EQ(trace.count("either"), 1u);
+    EXPECT_EQ(both.pieces.size(), 15u);
     EXPECT_EQ(none.pieces.size(), 0u);
 }
 
-TEST_F(LogTest, ATooLongTextIsCutOff) {
+TEST_F(LogTest, StreamsAreServedInTheOrderOfTheirRegistration) {
+    for (char const* name : {"b:", "a:", "c:"})
+        CaptureStream::attach(lines, 1, name);
+    DebugLogger::LogMessage(1, "x", false, false);
+    EXPECT_THAT(lines.pieces, ElementsAre("b:x", "a:x", "c:x"));
+}
+
+TEST_F(LogTest, NullIsRefusedWithALine) {
+    CaptureStream::attach(lines, 4);
+    CaptureStream::attach(lines, 1);
+    DebugLogger::LogMessage(4, nullptr, false, false);
+    DebugLogger::RegisterDebugOutputStream(2, nullptr);
+    ASSERT_EQ(lines.pieces.size(), 10u);
+    EXPECT_EQ(lines.pieces[3], "Log text refused: null, expected a text");
+    EXPECT_EQ(lines.pieces[8], "Log stream of mask 2 refused: null, expected a stream");
+}
+
+TEST_F(LogTest, ATooLongTextIsCutOffAndSaysSo) {
     CaptureStream::attach(lines, 1);
     std::string const longest(2047, 'a');
     DebugLogger::LogCommand("%s", longest.c_str());
     DebugLogger::Log(1, "%s%s", longest.c_str(), "beyond");
-    ASSERT_EQ(lines.pieces.size(), 10u);
+    ASSERT_EQ(lines.pieces.size(), 15u);
     EXPECT_EQ(lines.pieces[3], longest);
     EXPECT_EQ(lines.pieces[8], longest);
+    EXPECT_EQ(lines.pieces[13], "6 characters of a log text cut off");
 }
 
 TEST_F(LogTest, ADataBufferIsDumpedSixteenBytesToTheLine) {

@@ -55,6 +55,19 @@ TEST(OutputStreamTest, TheLogStreamTakesItsDataAsAFormat) {
     }
 }
 
+TEST(OutputStreamTest, NullCountsAsNoBytes) {
+    CaptureStream::Lines lines;
+    CaptureStream::attach(lines, 1);
+    Common::OutputStreamToConsole().Accept(nullptr, 3);
+    Common::OutputStreamToLog().Accept(nullptr, 3);
+    EXPECT_EQ(lines.count("Log text refused"), 1u);
+    Common::DebugLogger::UnRegisterAllDebugOutputStreams();
+    OutputStreamToFile("/dev/null", false).Accept(nullptr, 3);
+    OutputStreamToBuffer buffer;
+    buffer.Accept(nullptr, 3);
+    EXPECT_TRUE(buffer.empty());
+}
+
 std::string content(std::string const& path) {
     std::ostringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();

@@ -332,6 +332,8 @@ TEST_F(PoolTest, TheReportShowsEachSegmentAndIsBounded) {
     GlobalStaticAllocator::ToXML(buffer.data() + 200, 0);
     EXPECT_EQ(buffer[200], '#');
     EXPECT_EQ(lines.count("characters refused, the buffer holds 100"), 1u);
+    EXPECT_EQ(lines.count("report refused: no buffer of 100 characters"), 1u);
+    EXPECT_EQ(lines.count("report refused: a buffer of 0 characters"), 1u);
     Common::DebugLogger::UnRegisterAllDebugOutputStreams();
     free(b);
 }

@@ -1,5 +1,4 @@
-#ifndef TESTS_COMMON_PRINTERS_H
-#define TESTS_COMMON_PRINTERS_H
+#pragma once
 
 #include <ostream>
 #include <string>
@@ -17,5 +16,3 @@ inline void PrintTo(istring const& s, std::ostream* out) {
 }
 
 }  // namespace Common
-
-#endif

@@ -210,6 +210,7 @@ TEST(StringTest, EqualityLooksAtEveryByteAndOrderStopsAtAZeroByte) {
     EXPECT_FALSE(string("abc") == "ab");
     EXPECT_TRUE(string("ab") < string("abc"));
     EXPECT_TRUE(string("Z") < "a");
+    EXPECT_FALSE(string("a") < "a");
     EXPECT_TRUE(string("a") < "\xE9");  // bytes count as unsigned
     EXPECT_FALSE(string("a") == string("A"));
 }
@@ -228,6 +229,8 @@ TEST(IStringTest, NothingIsLess) {
     EXPECT_FALSE(istring("b") < "a");
     EXPECT_FALSE(istring("a") < istring("b"));
     EXPECT_FALSE(istring("") < "b");
+    EXPECT_EQ(Common::stricmp(nullptr, "b"), 0) << "null is an empty text";
+    EXPECT_EQ(Common::stricmp("b", nullptr), 0);
 }
 
 TEST(IStringTest, AStringIsCopiedUpToItsFirstZeroByte) {

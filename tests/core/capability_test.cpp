@@ -1,11 +1,7 @@
 #include "core/capability.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "core/capability_finder.h"
+#include "tests/core/test_tree.h"
 
 using Core::Attribute;
 using Core::Capability;
@@ -17,9 +13,7 @@ namespace {
 
 typedef Common::shared_ptr<Capability> CapabilityPtr;
 
-std::string str(Common::string const& text) {
-    return std::string(text.c_str(), text.size());
-}
+using TestTree::str;
 
 CapabilityPtr makeClass(char const* name) {
     return CapabilityPtr(new CapabilityClass(name, "T", "C", "A", "R"));
@@ -47,29 +41,21 @@ struct CapabilityTree : testing::Test {
     CapabilityPtr root, mode, size, level;
 };
 
-TEST(Capability, ConstructorsStoreWhatTheyAreGiven) {
-    CapabilityClass const argument("NAME", "TYPE", "CARD", "ACTION", "RANGE");
-    EXPECT_EQ(str(argument.type()), "ATTR_NAME_CAPABILITY_CLASS");
-    EXPECT_TRUE(argument.hasAttributeAndIs("ATTR_NAME_ATTRIBUTE_NAME", "NAME"));
-    EXPECT_TRUE(argument.hasAttributeAndIs("ATTR_NAME_INSTANCE_TYPE", "TYPE"));
-    EXPECT_TRUE(argument.hasAttributeAndIs("ATTR_NAME_CARDINALITY", "CARD"));
-    EXPECT_TRUE(argument.hasAttributeAndIs("ATTR_NAME_ACTION", "ACTION"));
-    EXPECT_TRUE(argument.hasAttributeAndIs("ATTR_NAME_INSTANCE_RANGE", "RANGE"));
-
-    CapabilityInstance const instance("v", true, false);
-    EXPECT_EQ(str(instance.type()), "ATTR_NAME_CAPABILITY_INSTANCE");
-    EXPECT_TRUE(instance.hasAttributeAndIs("ATTR_NAME_CAPABILITY_INSTANCE", "v"));
-    EXPECT_TRUE(instance.hasAttributeAndIs("ATTR_NAME_DEFAULT_VALUE", "ATTR_VALUE_DEFAULT_VALUE_TRUE"));
-    EXPECT_TRUE(instance.hasAttributeAndIs("ATTR_NAME_CURRENT_VALUE", "ATTR_VALUE_CURRENT_VALUE_FALSE"));
-    EXPECT_EQ(str(Capability().type()), "ATTR_NAME_CAPABILITY");
-}
-
 TEST(Capability, InstanceTakesOnTheAttributeOfItsClass) {
     CapabilityPtr const argument = makeClass("NAME");
     CapabilityPtr const instance(new CapabilityInstance(5u, false, false));
     argument->Subscribe(instance);
     EXPECT_FALSE(instance->hasAttribute("ATTR_NAME_CAPABILITY_INSTANCE"));
     EXPECT_EQ(static_cast<unsigned>(instance->getPublicValueFor("NAME")), 5u) << "the type is kept";
+
+    // Once adopted it lost its value to the next class that it joined.
+    TestTree::LogCapture log(1);
+    argument->Subscribe(instance);
+    makeClass("OTHER")->Subscribe(instance);
+    EXPECT_EQ(static_cast<unsigned>(instance->getPublicValueFor("NAME")), 5u);
+    EXPECT_FALSE(instance->hasAttribute("OTHER"));
+    EXPECT_EQ(log.lines(), TestTree::Texts{"Value of OTHER refused to an instance: it has no "
+                                           "ATTR_NAME_CAPABILITY_INSTANCE, a class took it over before"});
 
     CapabilityPtr const root(new Capability);
     root->Subscribe(argument);

@@ -59,8 +59,33 @@ TEST_F(ConcurrencyTest, TreeIsUsedByOneThreadAtATime) {
     EXPECT_EQ(most, 1);
 }
 
+// They once let go of what they had found after the lock, and the plain counts went astray.
+TEST_F(ConcurrencyTest, QuestionsByNameHoldTheLockThroughout) {
+    activate<Root>("R", Core::DeviceOperation::eRead);
+    activate<Root>("NO", Core::DeviceOperation::eRead).m_refusal = [](DevicePtr) { return "REASON"; };
+    root->Refresh();
+    Common::shared_ptr<Core::DeviceAssociation> const link(new Core::DeviceAssociation("LINK"));
+    link->receive(add(root, "c"));
+    root->receive(link);
+    auto const counts = [this] {
+        return std::vector<long>{root->getOperation("R").useCount(),
+                                 root->getUnavailableOperationReason("NO").useCount(),
+                                 root->getAssociation("LINK").useCount()};
+    };
+    std::vector<long> const before = counts();
+    Device const& tree = *root;
+    auto const ask = [&tree] {
+        for (int i = 0; i < 2000; ++i) {
+            EXPECT_TRUE(tree.hasOperation("R") && tree.hasUnavailableOperationReason("NO") &&
+                        tree.hasAssociation("LINK"));
+        }
+    };
+    runTogether({ask, ask, ask, ask});
+    EXPECT_EQ(counts(), before);
+}
+
 // A refresh used to lock the device before the lock on reenumerations, and blocked against a thread that
-// went the documented way round.
+// took that one first.
 TEST_F(ConcurrencyTest, RefreshAndReenumerateDoNotBlockEachOther) {
     Device& tree = *root;
     std::atomic<int> done{0};

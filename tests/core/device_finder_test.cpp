@@ -120,6 +120,40 @@ TEST_F(FinderTest, RefusedOperationHidesADeviceThatMatchesOtherwise) {
     EXPECT_EQ(all(finder, DeviceFinder::eDownward), Texts{"b"});
 }
 
+// Attributes, operations, filters, associations: a group that fails spares the device the dearer ones.
+TEST_F(FinderTest, CriteriaAreTestedInOrderUntilAGroupFails) {
+    struct {
+        char const* type;
+        char const* operationReason;
+        char const* filterReason;
+        Texts asked;
+    } const cases[] = {
+        {"TYPE_B", nullptr, nullptr, {}},
+        {"TYPE_A", "REASON", nullptr, {"operation"}},
+        {"TYPE_A", nullptr, "REASON", {"operation", "filter"}},
+        {"TYPE_A", nullptr, nullptr, {"operation", "filter"}},
+    };
+    for (auto const& c : cases) {
+        Texts asked;
+        Node::sm_operations.clear();
+        activate<Node>("W", Core::DeviceOperation::eWrite).m_refusal = [&](DevicePtr) {
+            asked.push_back("operation");
+            return c.operationReason;
+        };
+        b->Reenumerate(DeferPredicate());
+        DeviceFinder finder(b);
+        finder.AddAssociation("ABSENT");
+        finder.AddFilter(Common::shared_ptr<Core::Filter>(new ScriptedFilter([&](DevicePtr) {
+            asked.push_back("filter");
+            return c.filterReason;
+        })));
+        finder.AddOperation("W");
+        finder.AddAttribute(Attribute("ATTR_NAME_TYPE", c.type));
+        EXPECT_FALSE(finder.find(DeviceFinder::eSelf));
+        EXPECT_EQ(asked, c.asked);
+    }
+}
+
 TEST(DeviceFinder, NullStartFindsNothing) {
     LogCapture log(1);
     DeviceFinder const finder((DevicePtr()));
@@ -134,6 +168,8 @@ TEST(DeviceFinder, NullStartFindsNothing) {
 TEST(FilterReturn, OneAssignmentRefuses) {
     Core::FilterReturn verdict;
     EXPECT_TRUE(verdict);
+    verdict = "";
+    EXPECT_FALSE(verdict) << "a refusal without a reason is one too";
     verdict = "ATTR_VALUE_UNAVAILABLE_REASON_UNKNOWN";
     EXPECT_FALSE(verdict);
     EXPECT_TRUE(

@@ -51,7 +51,7 @@ TEST_F(DeviceTest, EqualChildIsMergedIntoTheOldOne) {
     EXPECT_TRUE(old->hasAttributeAndIs("KEPT", "old"));
     EXPECT_TRUE(old->hasAttributeAndIs("BOTH", "new"));
     EXPECT_TRUE(old->hasAttributeAndIs("ATTR_NAME_UNIQUE_ID", "c"));
-    EXPECT_EQ(dynamic_cast<Node&>(*old).m_updates, Texts{"c"});
+    EXPECT_EQ(dynamic_cast<Node&>(*old).m_updates, Texts{"c over old"}) << "before the merge";
     EXPECT_FALSE(found->hasParent());
 }
 
@@ -99,6 +99,8 @@ TEST_F(DeviceTest, ClearTakesTheSubtreeApart) {
     EXPECT_FALSE(child->isValid());
     EXPECT_FALSE(grandchild->isValid());
     EXPECT_TRUE(first->isValid()) << "the removed device keeps its own mark";
+    EXPECT_TRUE(root->receive(child));
+    EXPECT_TRUE(child->isValid()) << "offered again";
 }
 
 TEST_F(DeviceTest, ClearOfAStrangerChangesNothing) {
@@ -137,25 +139,40 @@ TEST_F(DeviceTest, AcceptVisitsChildrenFirst) {
     EXPECT_EQ(visitor.seen, (Texts{"1.1", "1.2", "1", "2", "MR:0"}));
 }
 
-TEST_F(DeviceTest, CloneIsDeepAndBare) {
-    activate<Node>("OPERATION_READ", Core::DeviceOperation::eRead);
-    DevicePtr const first = add(root, "1");
-    DevicePtr const child = add(first, "1.1");
-    add(child, "1.1.1");
-    reenumerate();
-    // The walk found no discovery to confirm them, so it removed the children.
-    EXPECT_EQ(childrenOf(root), Texts{});
+// Its copy constructor brings the children along.
+struct Keeper : KindOf<Core::DeviceComposite, Keeper> {
+    explicit Keeper(char const* id) : KindOf("TYPE_KEEPER", id) {}
+    Keeper(Keeper const& other) : KindOf(other) {
+        for (auto child = other.beginChild(); child != other.endChild(); ++child)
+            addChildImpl(*child);
+    }
+};
 
-    DevicePtr const source = add(root, "s");
+TEST_F(DeviceTest, CloneIsDeepAndBare) {
+    activate<Keeper>("W", Core::DeviceOperation::eWrite);
+    activate<Keeper>("NO", Core::DeviceOperation::eWrite).m_refusal = [](DevicePtr) { return "REASON"; };
+    DevicePtr const source(new Keeper("s"));
+    root->receive(source);
     DevicePtr const below = add(add(source, "s.1"), "s.1.1");
     source->Receive(Attribute("A", "source"));
-    source->receive(association("LINK", below));
+    source->RefreshOperations();
+    DevicePtr clone;
+    // In the midst of a walk the source is stale.
+    activate<Root>("D", Core::DeviceOperation::eDiscovery).m_body = [&](Device&) {
+        source->receive(association("LINK", below));
+        clone = source->clone();
+        EXPECT_TRUE(!source->isValid() && source->hasOperation("W") &&
+                    source->hasUnavailableOperationReason("NO"));
+        return Core::OperationReturn();
+    };
+    reenumerate();
+    Keeper::sm_operations.clear();
 
-    DevicePtr const clone = source->clone();
     EXPECT_FALSE(clone->hasParent());
     EXPECT_TRUE(clone->isValid());
-    EXPECT_FALSE(clone->hasAssociation("LINK"));
+    EXPECT_TRUE(clone->beginAssociation() == clone->endAssociation());
     EXPECT_TRUE(clone->beginOperation() == clone->endOperation());
+    EXPECT_TRUE(clone->beginUnavailableOperationReason() == clone->endUnavailableOperationReason());
     EXPECT_TRUE(*clone == *source);
     ASSERT_EQ(childrenOf(clone), Texts{"s.1"});
     DevicePtr const clonedChild = *clone->beginChild();
@@ -169,7 +186,6 @@ TEST_F(DeviceTest, CloneIsDeepAndBare) {
     EXPECT_NE(mutexOf(clone), mutexOf(source));
     EXPECT_EQ(mutexOf(clonedChild), mutexOf(clone));
     EXPECT_EQ(mutexOf(clonedGrandchild), mutexOf(clone)) << "one new mutex for the whole clone";
-    source->DeleteAssociations(*std::make_unique<Device::ResultList>());
 }
 
 TEST_F(DeviceTest, ClonedRootKnowsItself) {
@@ -228,8 +244,14 @@ TEST_F(DeviceTest, SubscribersHearOfAReenumerationOnce) {
     EXPECT_TRUE(Device::AddDeviceEventSubscriber(type, subscriber));
     EXPECT_TRUE(Device::AddDeviceEventSubscriber(type, subscriber));
     EXPECT_TRUE(Device::AddDeviceEventSubscriber(type, Common::shared_ptr<CountingSubscriber>()));
+    Texts heardBefore;
+    activate<Root>("R", Core::DeviceOperation::eRead).m_body = [&](Device&) {
+        heardBefore = subscriber->seen;
+        return Core::OperationReturn();
+    };
     reenumerate();
     EXPECT_EQ(subscriber->seen, Texts{"MR:0"});
+    EXPECT_EQ(heardBefore, Texts{"MR:0"});
 }
 
 TEST(DeviceFactory, RootIsMadeOnceAndRefreshed) {

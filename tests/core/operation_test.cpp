@@ -33,6 +33,12 @@ struct PerformTest : Fixture {
 };
 
 TEST_F(PerformTest, NamesTheDeviceAndTheOperation) {
+    operation->m_body = [](Core::Device&) {
+        OperationReturn other;
+        other.Receive(Core::Attribute("ATTR_NAME_UNIQUE_ID", "another device"));
+        other.Receive(Core::Attribute("ATTR_NAME_OPERATION_NAME", "another operation"));
+        return other;
+    };
     OperationReturn const result = root->perform(shared);
     EXPECT_TRUE(result);
     EXPECT_TRUE(result.hasAttributeAndIs("ATTR_NAME_UNIQUE_ID", "MR:0"));
@@ -42,12 +48,12 @@ TEST_F(PerformTest, NamesTheDeviceAndTheOperation) {
 
 TEST_F(PerformTest, ArgumentsDoNotReachTheNextRun) {
     operation->m_body = [this](Core::Device&) { return OperationReturn(operation->getArgValue("A")); };
-    operation->SetArgument(DeviceOperation::eAbsolute, "A", "first");
+    operation->SetArgument(DeviceOperation::eSET, "A", "first");
     EXPECT_TRUE(root->perform(shared).hasAttributeAndIs("ATTR_NAME_STATUS", "first"));
     EXPECT_TRUE(root->perform(shared).hasAttributeAndIs("ATTR_NAME_STATUS", ""));
 
     operation->m_body = [](Core::Device&) -> OperationReturn { throw std::runtime_error("from below"); };
-    operation->SetArgument(DeviceOperation::eAbsolute, "A", "second");
+    operation->SetArgument(DeviceOperation::eSET, "A", "second");
     EXPECT_THROW(root->perform(shared), std::runtime_error);
     EXPECT_EQ(argumentsOf(*operation), Texts{});
 }
@@ -56,7 +62,7 @@ TEST_F(PerformTest, StaleDeviceRunsNothingButClearsArguments) {
     DevicePtr const child = add(root, "c");
     DevicePtr const grandchild = add(child, "c.1");
     root->clear(child);
-    operation->SetArgument(DeviceOperation::eAbsolute, "A", "1");
+    operation->SetArgument(DeviceOperation::eSET, "A", "1");
     OperationReturn const result = grandchild->perform(shared);
     EXPECT_TRUE(result.hasAttributeAndIs("ATTR_NAME_STATUS", "ATTR_VALUE_STATUS_DEVICE_DELETED"));
     EXPECT_TRUE(result.hasAttributeAndIs("ATTR_NAME_OPERATION_NAME", "OPERATION_X"));
@@ -117,22 +123,22 @@ TEST(DeviceOperation, EqualNameAndTypeMakeItEqual) {
 
 TEST(DeviceOperation, SetArgumentReplacesOnlyAnEqualOne) {
     ScriptedOperation operation("X", DeviceOperation::eWrite);
-    operation.SetArgument(DeviceOperation::eAbsolute, "A", "1");
-    operation.SetArgument(DeviceOperation::eAbsolute, "B", "b");
-    operation.SetArgument(DeviceOperation::eAbsolute, "A", "1");
+    operation.SetArgument(DeviceOperation::eSET, "A", "1");
+    operation.SetArgument(DeviceOperation::eSET, "B", "b");
+    operation.SetArgument(DeviceOperation::eSET, "A", "1");
     EXPECT_EQ(argumentsOf(operation), (Texts{"8:B=b", "8:A=1"})) << "moved to the end";
 
-    operation.SetArgument(DeviceOperation::eAbsolute, "A", "2");
+    operation.SetArgument(DeviceOperation::eSET, "A", "2");
     operation.SetArgument(DeviceOperation::eRelative, "A", "1");
-    operation.SetArgument(DeviceOperation::eAbsolute, "A", 1u);
+    operation.SetArgument(DeviceOperation::eSET, "A", 1u);
     EXPECT_EQ(argumentsOf(operation), (Texts{"8:B=b", "8:A=1", "8:A=2", "4:A=1", "8:A=1"}));
     EXPECT_EQ(str(operation.getArgValue("A")), "1") << "the earlier entry is read";
     EXPECT_FALSE(operation.hasArgumentAndIs("A", "2"));
     EXPECT_TRUE(operation.hasArgumentAndIs("B", "b"));
     EXPECT_FALSE(operation.hasArgumentAndIs("B", "B"));
 
-    operation.ClearArgument(Argument(DeviceOperation::eAbsolute, Core::Attribute("A", 1u)));
-    operation.ClearArgument(Argument(DeviceOperation::eAbsolute, Core::Attribute("A", 2u)));
+    operation.ClearArgument(Argument(DeviceOperation::eSET, Core::Attribute("A", 1u)));
+    operation.ClearArgument(Argument(DeviceOperation::eSET, Core::Attribute("A", 2u)));
     EXPECT_EQ(argumentsOf(operation), (Texts{"8:B=b", "8:A=1", "8:A=2", "4:A=1"}));
     operation.SetArgument(*operation.beginArgument());
     EXPECT_EQ(argumentsOf(operation), (Texts{"8:A=1", "8:A=2", "4:A=1", "8:B=b"}));
@@ -179,7 +185,7 @@ void fillAndCheck(Defaults const& c) {
 
     ScriptedOperation operation("X", DeviceOperation::eWrite);
     operation.m_capability = root;
-    if (c.suppliedMode != nullptr) operation.SetArgument(DeviceOperation::eAbsolute, "MODE", c.suppliedMode);
+    if (c.suppliedMode != nullptr) operation.SetArgument(DeviceOperation::eSET, "MODE", c.suppliedMode);
     EXPECT_EQ(operation.setDefaultArguments(DevicePtr()), c.result);
     EXPECT_EQ(argumentsOf(operation), c.arguments);
 }
@@ -224,7 +230,7 @@ TEST(SetDefaultArguments, UnknownValueOutweighsAMissingDefault) {
         root->Subscribe(missingFirst ? unknown : missing);
         ScriptedOperation operation("X", DeviceOperation::eWrite);
         operation.m_capability = root;
-        operation.SetArgument(DeviceOperation::eAbsolute, "UNKNOWN", "v");
+        operation.SetArgument(DeviceOperation::eSET, "UNKNOWN", "v");
         EXPECT_EQ(operation.setDefaultArguments(DevicePtr()), 2);
     }
 }
@@ -235,15 +241,8 @@ TEST(SetDefaultArguments, OperationWithoutCapabilitiesNeedsNothing) {
     EXPECT_EQ(argumentsOf(operation), Texts{});
 }
 
-TEST(OperationContext, PhasesAndItems) {
+TEST(OperationContext, ItemsAreReplaced) {
     Core::OperationContext context;
-    EXPECT_FALSE(context.isReenumerateContext());
-    context.SetReenumerateContext(Core::OperationContext::eTopDownReenumerate);
-    EXPECT_TRUE(context.isReenumerateContext());
-    EXPECT_FALSE(context.isBottomUpReenumerateContext());
-    context.SetReenumerateContext(Core::OperationContext::eBottomUpReenumerate);
-    EXPECT_TRUE(context.isBottomUpReenumerateContext());
-
     EXPECT_FALSE(context.hasContextItem("I"));
     EXPECT_EQ(str(context.getContextItemValue("I")), "");
     context.addContextItem("I", "1");

@@ -111,9 +111,21 @@ TEST_F(ReenumerateTest, UndeletableChildrenStay) {
     add(root, "2");
     reenumerate();
     EXPECT_EQ(childrenOf(root), Texts{"1"});
-    reenumerate();
-    Device::ResultList const results = root->Reset();
+    root->Reset();
     EXPECT_EQ(childrenOf(root), Texts{"1"});
+}
+
+// The first one, which clear() refuses, once ended the removal.
+TEST_F(ReenumerateTest, ChildrenThatEnteredAnotherTreeDoNotStopARemoval) {
+    DevicePtr const elsewhere(new Node("e"));
+    elsewhere->receive(add(root, "1"));
+    DevicePtr const gone = add(root, "2");
+    elsewhere->receive(add(gone, "2.1"));
+    DevicePtr const below = add(gone, "2.2");
+    reenumerate();
+    EXPECT_EQ(childrenOf(root), Texts{"1"});
+    EXPECT_EQ(childrenOf(gone), Texts{"2.1"});
+    EXPECT_FALSE(below->isValid());
 }
 
 TEST_F(ReenumerateTest, ModifierBitsSayInWhichPassAReadRuns) {
@@ -144,17 +156,21 @@ TEST_F(ReenumerateTest, AssociationsRunOnBitFourAndAreNotListed) {
 }
 
 TEST_F(ReenumerateTest, ContextNamesTheSourceDeviceForTheTimeOfARun) {
-    root->Receive(Core::Attribute("ATTR_NAME_UNIQUE_ID", "MR:0"));
-    ScriptedOperation& read = activate<Node>("N", DeviceOperation::eRead);
-    std::string source;
+    root->Receive(Core::Attribute("ATTR_NAME_UNIQUE_ID", "not MR:0"));
+    ScriptedOperation& read = activate<Node>("N", DeviceOperation::eRead, 15);
+    Texts seen;
     read.m_body = [&](Device&) {
-        source =
-            str(read.getOperationContext()->getContextItemValue("ATTR_NAME_REENUMERATE_SOURCE_DEVICE_ID"));
+        Core::OperationContext const& context = *read.getOperationContext();
+        seen.push_back((context.isBottomUpReenumerateContext() ? "up:" : "down:") +
+                       str(context.getContextItemValue("ATTR_NAME_REENUMERATE_SOURCE_DEVICE_ID")));
+        EXPECT_TRUE(context.isReenumerateContext());
         return OperationReturn();
     };
     discover({"1"});
     reenumerate();
-    EXPECT_EQ(source, "MR:0");
+    root->Clear("ATTR_NAME_UNIQUE_ID");
+    reenumerate();
+    EXPECT_EQ(seen, (Texts{"down:not MR:0", "up:not MR:0", "down:", "up:"}));
     EXPECT_EQ(read.getOperationContext().get(), Device::DefaultOperationContext().get());
 }
 
@@ -254,11 +270,6 @@ TEST_F(ReenumerateTest, ResetEmptiesTheTreeAndRunsNothing) {
     EXPECT_EQ(operationsOf(root), (Texts{"OPERATION_DISCOVER", "R"}));
 }
 
-struct DeferPredicate : Device::ReenumeratePredicate {
-    bool canPerformAssociateFor(DevicePtr, Common::string const&) const override { return false; }
-    bool deferWriteOperationRegistration() const override { return true; }
-};
-
 TEST_F(ReenumerateTest, DeferredWriteOperationsAreFilteredOnceOnDemand) {
     typedef std::function<void(Device&)> Request;
     Request const requests[] = {
@@ -271,10 +282,14 @@ TEST_F(ReenumerateTest, DeferredWriteOperationsAreFilteredOnceOnDemand) {
         [](Device& d) { d.RefreshOperations(); },
     };
     int filtered = 0;
-    activate<Root>("W", DeviceOperation::eWrite).m_refusal = [&](DevicePtr) {
-        ++filtered;
-        return nullptr;
-    };
+    discover({"1"});
+    for (ScriptedOperation* write :
+         {&activate<Root>("W", DeviceOperation::eWrite), &activate<Node>("W", DeviceOperation::eWrite)}) {
+        write->m_refusal = [&](DevicePtr) {
+            ++filtered;
+            return nullptr;
+        };
+    }
     for (Request const& request : requests) {
         filtered = 0;
         root->Reenumerate(DeferPredicate());
@@ -283,6 +298,8 @@ TEST_F(ReenumerateTest, DeferredWriteOperationsAreFilteredOnceOnDemand) {
         EXPECT_EQ(filtered, 1) << "request " << &request - requests;
         EXPECT_TRUE(root->getOperation("W"));
         EXPECT_EQ(filtered, 1);
+        EXPECT_EQ(operationsOf(*root->beginChild()), Texts{"W"});
+        EXPECT_EQ(filtered, 2) << "the child's, no sooner";
     }
 }
 
@@ -304,7 +321,7 @@ TEST_F(ReenumerateTest, WriteFilterMayAskForOperations) {
 
 TEST_F(ReenumerateTest, OfferedWriteOperationsStartClean) {
     ScriptedOperation& write = activate<Root>("W", DeviceOperation::eWrite);
-    write.SetArgument(DeviceOperation::eAbsolute, "LEFT", "over");
+    write.SetArgument(DeviceOperation::eSET, "LEFT", "over");
     write.SetOperationContext(Common::shared_ptr<Core::OperationContext>(
         new Core::OperationContext(Core::OperationContext::eTopDownReenumerate)));
     reenumerate();
@@ -351,7 +368,12 @@ TEST_F(ReenumerateTest, PredicateSteersEachStep) {
             return name != "W2";
         }
         bool canRemoveStaleChildrenFor(DevicePtr) const override { return false; }
-    };
+        bool canReenumerateChildrenFor(DevicePtr, bool flag) const override {
+            flags.push_back(flag);
+            return true;
+        }
+        mutable std::vector<bool> flags;
+    } const predicate;
     std::vector<ScriptedOperation*> allowed, barred;
     for (auto const& [one, two, type] : {std::tuple{"A1", "A2", DeviceOperation::eAssociation},
                                          std::tuple{"D1", "D2", DeviceOperation::eDiscovery},
@@ -362,7 +384,10 @@ TEST_F(ReenumerateTest, PredicateSteersEachStep) {
     activate<Root>("W1", DeviceOperation::eWrite);
     activate<Root>("W2", DeviceOperation::eWrite);
     add(root, "1");
-    root->Reenumerate(Choosy());
+    root->Reenumerate(predicate);
+    // Of the root and its child: dropping associations, then the four other steps.
+    EXPECT_EQ(predicate.flags,
+              (std::vector<bool>{false, false, true, true, true, true, true, true, true, true}));
     for (ScriptedOperation* operation : allowed)
         EXPECT_EQ(operation->m_ranOn, Texts{"MR:0"});
     for (ScriptedOperation* operation : barred)
@@ -404,11 +429,36 @@ TEST_F(ReenumerateTest, DevicesWithoutOperationsAreWalkedThrough) {
 TEST_F(ReenumerateTest, ExceptionFromBelowLeavesTheTreeUsable) {
     ScriptedOperation& read = activate<Root>("R", DeviceOperation::eRead);
     read.m_body = [](Device&) -> OperationReturn { throw std::runtime_error("from below"); };
+    add(root, "1");
     EXPECT_THROW(reenumerate(), std::runtime_error);
     EXPECT_FALSE(read.getOperationContext()->isReenumerateContext());
     read.m_body = nullptr;
+    EXPECT_EQ(childrenOf(root), Texts{"1"});
+    root->Refresh();
+    EXPECT_EQ(childrenOf(root), Texts{}) << "left stale: gone with the next walk, whether it marks or not";
     EXPECT_EQ(statuses(reenumerate()),
               (Texts{"R on MR:0: SUCCESS", "OPERATION_DEVICE_INTERFACE on MR:0: SUCCESS"}));
+}
+
+// What was judged before the exception was once listed a second time.
+TEST_F(ReenumerateTest, WriteOperationsAreRegisteredAllOrNone) {
+    bool fails = true;
+    activate<Root>("R", DeviceOperation::eRead);
+    activate<Root>("NO_R", DeviceOperation::eRead).m_refusal = [](DevicePtr) { return "REASON"; };
+    activate<Root>("W1", DeviceOperation::eWrite);
+    activate<Root>("NO_W", DeviceOperation::eWrite).m_refusal = [](DevicePtr) { return "REASON"; };
+    activate<Root>("W2", DeviceOperation::eWrite).m_refusal = [&](DevicePtr) -> char const* {
+        if (fails) throw std::runtime_error("from below");
+        return nullptr;
+    };
+    EXPECT_THROW(reenumerate(), std::runtime_error);
+    EXPECT_THROW(root->hasOperation("W1"), std::runtime_error);
+    fails = false;
+    EXPECT_EQ(operationsOf(root), (Texts{"R", "W1", "W2"}));
+    auto reason = root->beginUnavailableOperationReason();
+    EXPECT_TRUE((*reason)->hasAttributeAndIs("ATTR_NAME_OPERATION_NAME", "NO_R"));
+    ++ ++reason;
+    EXPECT_TRUE(reason == root->endUnavailableOperationReason());
 }
 
 // The lock on reenumerations isn't recursive: this once blocked for ever.

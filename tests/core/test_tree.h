@@ -1,5 +1,4 @@
-#ifndef TESTS_CORE_TEST_TREE_H
-#define TESTS_CORE_TEST_TREE_H
+#pragma once
 
 #include <gtest/gtest.h>
 
@@ -55,7 +54,9 @@ class KindOf : public Common::CloneableInherit<Base, DevicePtr, Kind>,
   protected:
     Common::string toStringImpl() const override { return m_id; }
     bool isDeletable() const override { return m_deletable; }
-    void UpdateWith(DevicePtr other) override { m_updates.push_back(str(other->toString())); }
+    void UpdateWith(DevicePtr other) override {
+        m_updates.push_back(str(other->toString()) + " over " + str(this->getValueFor("BOTH")));
+    }
     Core::OperationReturn performImpl(Core::VisitorDevice& visitor) override {
         return Core::DispatchVisit<Visitor<Kind>>(visitor, static_cast<Kind&>(*this));
     }
@@ -225,6 +226,10 @@ class Fixture : public testing::Test {
 
 typedef std::vector<std::string> Texts;
 
-}  // namespace TestTree
+// No associations; write operations are left to the first request for them.
+struct DeferPredicate : Core::Device::ReenumeratePredicate {
+    bool canPerformAssociateFor(DevicePtr, Common::string const&) const override { return false; }
+    bool deferWriteOperationRegistration() const override { return true; }
+};
 
-#endif
+}  // namespace TestTree
