@@ -151,7 +151,7 @@ class SensePhysicalDriveCommand : public SenseControllerCommand<T> {
 using IdentifyPhysicalDrive = SensePhysicalDriveCommand<IdentifyPhysicalDriveTrait, true>;
 using SenseMNPStatistics = SensePhysicalDriveCommand<SenseMNPStatisticsTrait, false>;
 
-// The cache module's page of the cache configuration status, as opposed to that of a cache on drives.
+// The cache module's page of the cache configuration status: sizes, ratios and batteries of the cache.
 class SenseControllerCacheConfigStatusBase
     : public SenseControllerCommand<SenseControllerCacheConfigStatusTrait> {
   public:

@@ -21,7 +21,7 @@ struct CommandShape {
 
 // `request` has everything but buffer, length and override. Without data (None) it is sent as it is. A reply
 // of fixed size is asked for at the buffer's length, or at what the device's size memo says if that is more.
-// A growing reply is first asked for at its default size; what it announces goes into the memo, and only
+// A growing reply is first asked for at the buffer's length; what it announces goes into the memo, and only
 // when the buffer was too small it is asked for again. The first outcome decides for the life of the memo,
 // even when that first send failed: then the default size stays.
 bool sendSized(BMICDevice& device, Interface::SysMod::Command::BMICRequest& request, ReplyBuffer& buffer,

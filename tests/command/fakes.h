@@ -187,7 +187,7 @@ class LogCapture {
     std::string m_text;
 };
 
-// One pass-through record as the kernel sees it, read at its documented offsets (64-bit pointers).
+// One pass-through record as the kernel sees it, read at literal offsets (64-bit pointers).
 struct KernelExchange {
     std::string node;
     unsigned long request = 0;
