@@ -120,6 +120,7 @@ Bytes ControllerRecords::identifyController(FirmwareVersions const& versions) co
         .text("sRAMFirmwareRev", versions.running)
         .text("sROMFirmwareRev", versions.active)
         .text("sROMInactiveRev", versions.inactive)
+        .number("bActiveROMStatus", 1)  // there is a second image to switch to
         .number("bHardwareRevision", 0x42)
         .text("sBootBlockRevision", "1.07")
         .number("dwBoardID", m_facts.boardId)

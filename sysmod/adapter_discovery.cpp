@@ -1,3 +1,4 @@
+#include <map>
 #include <string>
 
 #include "common/debug_logger.h"
@@ -66,7 +67,7 @@ ControllerNode findBlockDriverNode(PciFunction const& function) {
 }
 
 /// Searches the tree below a function for "scsi_generic/sg<n>" of a device of the controller's type. Links
-/// aren't followed by name but by depth: sysfs's back links would lead in circles.
+/// aren't followed: sysfs's back links would lead in circles.
 ControllerNode findGenericNode(std::string const& directory, int depth) {
     for (std::string const& name : FMDirectory(directory + "/scsi_generic").GetChildren("sg*")) {
         if (FMDirectory(directory).firstLine("type").substr(0, 2) == ARRAY_CONTROLLER_TYPE) {
@@ -122,16 +123,31 @@ bool confirmController(Common::string const& node, Common::string const& id, Pci
     return true;
 }
 
-Common::string fastPathOf(ControllerNode const& controller) {
-    std::string line;
-    if (!Core::SysMod::systemCalls().readFirstLine(controller.deviceDirectory + "/vq_ssd_smart_path_status",
-                                                   line)) {
-        return "NO";
+/// The attribute stands in the directory of the function or of the device behind it, as the driver likes.
+Common::string fastPathOf(PciFunction const& function, ControllerNode const& controller) {
+    for (std::string const& directory : {function.directory, controller.deviceDirectory}) {
+        std::string line;
+        if (Core::SysMod::systemCalls().readFirstLine(directory + "/vq_ssd_smart_path_status", line)) {
+            return line == "enabled" ? "YES:ENABLED" : "YES:DISABLED";
+        }
     }
-    return line == "enabled" ? "YES:ENABLED" : "YES:DISABLED";
+    return "NO";
 }
 
-void fillTable(PciFunction const& function, Common::string (&table)[Core::SysMod::PROPERTY_COUNT]) {
+/// Descriptions by identity, for one walk: machines have many functions of few kinds, and the identifier
+/// files are long.
+using Descriptions = std::map<std::string, Common::string>;
+
+Common::string descriptionOf(std::string const& identity, Descriptions& known) {
+    auto const [row, isNew] = known.try_emplace(identity);
+    if (isNew) {
+        row->second = GetDeviceDescription(identity.c_str());
+    }
+    return row->second;
+}
+
+void fillTable(PciFunction const& function, Descriptions& descriptions,
+               Common::string (&table)[Core::SysMod::PROPERTY_COUNT]) {
     using namespace Core::SysMod;
     table[PciIdentity] = function.identity.c_str();
     table[SubsystemIdentity] = function.subsystem.c_str();
@@ -144,7 +160,7 @@ void fillTable(PciFunction const& function, Common::string (&table)[Core::SysMod
     table[PciLocationAgain] = function.location.c_str();
     table[DriverVersion] = function.driverVersion.c_str();
     table[FastPath] = "NO";
-    table[Description] = GetDeviceDescription(table[PciIdentity]);
+    table[Description] = descriptionOf(function.identity, descriptions);
     table[DescriptionAgain] = table[Description];
 }
 
@@ -172,6 +188,7 @@ Common::map<Common::string, EnStorageAdapterType>& StorageAdapterDriverWhiteList
 void DiscoverStorageAdapters(HandleList& controllers, HandleList& csmiAdapters, HandleList& plainAdapters) {
     using namespace Core::SysMod;
     discoverCsmiAdapters(csmiAdapters);
+    Descriptions descriptions;
     FMDirectory const devices(PCI_DEVICES);
     for (std::string const& name : devices.GetChildren()) {
         std::optional<PciFunction> const function = readPciFunction(devices.path() + "/" + name);
@@ -179,7 +196,7 @@ void DiscoverStorageAdapters(HandleList& controllers, HandleList& csmiAdapters, 
             continue;
         }
         PropertyTable table;
-        fillTable(*function, table);
+        fillTable(*function, descriptions, table);
         ControllerNode const controller = findController(*function);
         if (controller.node.empty()) {
             // A SAS adapter that answered by CSMI stands in its own list already.
@@ -191,7 +208,7 @@ void DiscoverStorageAdapters(HandleList& controllers, HandleList& csmiAdapters, 
         }
         table[NodePath] = controller.node.c_str();
         table[DeviceType] = "ARRAY_CONTROLLER";
-        table[FastPath] = fastPathOf(controller);
+        table[FastPath] = fastPathOf(*function, controller);
         if (confirmController(table[NodePath], table[UniqueKey], *function)) {
             table[Route] = CONTROLLER_ROUTE;
             table[AdapterStatus] = "OK";

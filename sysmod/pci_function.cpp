@@ -12,7 +12,7 @@ namespace {
 
 constexpr char PCI_SLOTS[] = "/sys/bus/pci/slots";
 
-/// Shortest identity text: "0x" and more than four digits' worth of text, "0x1234" is six.
+/// An identity text is longer than this: "0x", four digits and the kernel's line end.
 constexpr std::size_t IDENTITY_MINIMUM = 6;
 
 bool isMassStorage(std::string const& classText) {
@@ -78,12 +78,11 @@ std::string pciKey(std::string const& location) {
     unsigned bus = 0;
     unsigned device = 0;
     unsigned number = 0;
-    if (std::sscanf(location.c_str(), "%4x:%2x:%2x.%2x", &domain, &bus, &device, &number) != 4) {
+    if (std::sscanf(location.c_str(), "%8x:%2x:%2x.%2x", &domain, &bus, &device, &number) != 4) {
         return location;
     }
-    char key[16];
-    std::snprintf(key, sizeof key, "%04X%02X%02X%02X", domain & 0xFFFF, bus & 0xFF, device & 0xFF,
-                  number & 0xFF);
+    char key[24];
+    std::snprintf(key, sizeof key, "%04X%02X%02X%02X", domain, bus & 0xFF, device & 0xFF, number & 0xFF);
     return key;
 }
 

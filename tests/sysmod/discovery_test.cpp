@@ -154,22 +154,54 @@ TEST_F(AdapterDiscovery, AControllerThatDoesNotAnswerHasFailed) {
     EXPECT_EQ(text(controllers, AdapterStatus), "FAILED");
 }
 
-TEST_F(AdapterDiscovery, FastPathIsReadFromTheDevice) {
+TEST_F(AdapterDiscovery, WhatBecameOfAControllerIsLogged) {
+    addFunction("0000:0b:00.0", "vqsa");
+    addGenericNode("0000:0b:00.0/host0/target0:0:0/0:0:0:0", "sg0", "12\n");
+    CapturedLog log;
+    discover();
+    system.answer = [](FakeSystem::Call const&, unsigned char*) { return EIO; };
+    discover();
+    system.nodes.clear();
+    discover();
+    for (char const* line : {
+             "Discovered Vaultline controller Controller. BaseID: 00000B0000. Node: /dev/sg0. Driver ID: "
+             "vqsa",
+             "SCSI Inquiry command failed. Code: 5. BaseID: 00000B0000. Node: /dev/sg0",
+             "Unable to open node for Vaultline. BaseID: 00000B0000. Node: /dev/sg0",
+         }) {
+        EXPECT_NE(log.text().find(line), std::string::npos) << line;
+    }
+}
+
+TEST_F(AdapterDiscovery, FastPathIsReadFromTheFunctionOrTheDevice) {
     struct Row {
+        char const* directory;
         char const* contents;
         char const* text;
     };
     static Row const rows[] = {
-        {"enabled\n", "YES:ENABLED"}, {"disabled\n", "YES:DISABLED"}, {"", "YES:DISABLED"}};
+        {"0000:0b:00.0", "enabled\n", "YES:ENABLED"},
+        {"0000:0b:00.0", "disabled\n", "YES:DISABLED"},
+        {"0000:0b:00.0/host0/target0:0:0/0:0:0:0", "enabled\n", "YES:ENABLED"},
+        {"0000:0b:00.0/host0/target0:0:0/0:0:0:0", "", "YES:DISABLED"},
+        {"0000:0b:00.0/host0", "enabled\n", "NO"},
+    };
     for (Row const& row : rows) {
+        system.files.clear();
         addFunction("0000:0b:00.0", "vqsa");
         addGenericNode("0000:0b:00.0/host0/target0:0:0/0:0:0:0", "sg0", "12\n");
-        system.files[PCI + std::string("0000:0b:00.0/host0/target0:0:0/0:0:0:0/vq_ssd_smart_path_status")] =
-            row.contents;
+        system.files[std::string(PCI) + row.directory + "/vq_ssd_smart_path_status"] = row.contents;
         controllers.clear();
         discover();
-        EXPECT_EQ(text(controllers, FastPath), row.text);
+        EXPECT_EQ(text(controllers, FastPath), row.text) << row.directory;
     }
+}
+
+TEST_F(AdapterDiscovery, BlockDriverWithoutANodeIsAPlainAdapter) {
+    addFunction("0000:0b:00.0", "xqrth");
+    discover();
+    ASSERT_EQ(plain.size(), 1U);
+    EXPECT_EQ(text(plain, DeviceType), "DUMB_HBA");
 }
 
 TEST_F(AdapterDiscovery, CsmiAdaptersComeFromTheirReplies) {
@@ -207,8 +239,41 @@ TEST_F(AdapterDiscovery, CsmiAdaptersComeFromTheirReplies) {
     EXPECT_EQ(text(csmi, DeviceType), "CSMI_HBA");
 }
 
+TEST_F(AdapterDiscovery, CsmiStatusSlotAndReturnCode) {
+    struct Row {
+        unsigned char status;
+        unsigned char slotByte;
+        unsigned char returnCode;
+        char const* text;
+        char const* slot;
+    };
+    static Row const rows[] = {{1, 0, 0, "OK", "S:0"},
+                               {2, 6, 0, "FAILED", "S:1542"},
+                               {3, 6, 0, "OFFLINE", "S:1542"},
+                               {5, 0xFF, 0, "UNKNOWN", "UNKNOWN"},
+                               {1, 0, 1, nullptr, nullptr}};
+    system.nodes = {"/dev/mpt2ctl"};
+    for (Row const& row : rows) {
+        system.answer = [&](FakeSystem::Call const& call, unsigned char* record) {
+            record[8] = row.returnCode;
+            record[call.request == 0xCC770003 ? 20 : 36] =
+                call.request == 0xCC770003 ? row.status : row.slotByte;
+            record[37] = row.slotByte;
+            return numberAt<std::uint32_t>(call.record, 0) == 0 ? 0 : ENODEV;
+        };
+        csmi.clear();
+        discover();
+        ASSERT_EQ(csmi.size(), row.text == nullptr ? 0U : 1U);
+        if (row.text != nullptr) {
+            EXPECT_EQ(text(csmi, AdapterStatus), row.text);
+            EXPECT_EQ(text(csmi, AdapterSlot), row.slot);
+        }
+    }
+}
+
 TEST(PciKey, NamesThePlaceOnTheBus) {
     EXPECT_EQ(pciKey("0001:82:1f.7"), "0001821F07");
+    EXPECT_EQ(pciKey("10000:e1:00.0"), "10000E10000");
     EXPECT_EQ(pciKey("not a location"), "not a location");
 }
 
@@ -225,8 +290,13 @@ TEST(DeviceDescription, ComesFromTheFirstIdentifierFileThatKnowsTheDevice) {
     EXPECT_STREQ(Interface::SysMod::Discovery::GetDeviceDescription("1E5").c_str(), "");
 }
 
-TEST(DriverList, HoldsTwelveDrivers) {
-    EXPECT_EQ(Interface::SysMod::Discovery::StorageAdapterDriverWhiteList().size(), 12U);
+TEST(DriverList, HoldsTheTwelveDrivers) {
+    auto& list = Interface::SysMod::Discovery::StorageAdapterDriverWhiteList();
+    EXPECT_EQ(list.size(), 12U);
+    for (char const* driver : {"xqrth", "vqsa", "vqvsa", "vqvsac", "vqvsag", "vqvsaw", "vqdsa", "vqdsac",
+                               "vqdsag", "vqdsaw", "vqahcisr", "mpt2sas"}) {
+        EXPECT_TRUE(list.find(driver) != list.end()) << driver;
+    }
 }
 
 TEST(Crc32, IsTheStandardOne) {

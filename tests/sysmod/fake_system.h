@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "sysmod/system_calls.h"
+#include "tests/common/CaptureStream.h"
 
 /// A system made of texts: files, links and nodes by path. Records every ioctl as the bytes that were sent,
 /// and answers it as the test says. In force for its lifetime.
@@ -20,6 +21,7 @@ class FakeSystem : public Core::SysMod::SystemCalls {
         unsigned long request = 0;
         std::vector<unsigned char> record;
         bool hasArgument = false;
+        std::vector<unsigned char> block;  ///< the command block that an SG_IO record points at
     };
 
     FakeSystem() : m_previous(Core::SysMod::SetSystemCalls(this)) {}
@@ -55,6 +57,11 @@ class FakeSystem : public Core::SysMod::SystemCalls {
         auto* const bytes = static_cast<unsigned char*>(argument);
         if (bytes != nullptr) {
             call.record.assign(bytes, bytes + recordSize(request, bytes));
+            if (request == 0x2285) {
+                unsigned char const* block = nullptr;
+                std::memcpy(&block, bytes + 24, sizeof block);
+                call.block.assign(block, block + bytes[8]);
+            }
         }
         calls.push_back(call);
         int const error = answer(call, bytes);
@@ -127,6 +134,17 @@ class FakeSystem : public Core::SysMod::SystemCalls {
 
     Core::SysMod::SystemCalls* m_previous;
     std::vector<std::string> m_open;
+};
+
+/// What the library logs in its lifetime, in every category.
+class CapturedLog {
+  public:
+    CapturedLog() { CaptureStream::attach(m_lines, 0xFF); }
+    ~CapturedLog() { Common::DebugLogger::UnRegisterAllDebugOutputStreams(); }
+    std::string text() const { return m_lines.text(); }
+
+  private:
+    CaptureStream::Lines m_lines;
 };
 
 /// A little-endian number at a literal offset of a record.

@@ -364,10 +364,7 @@ TEST_F(Passthru, AtaCommandsTravelAsAtaPassThrough16) {
         request.dataBuffer = data.data();
         request.dataLength = 1024;
         ASSERT_TRUE(SendATACommand(handleFor("", "/dev/sg3", "SCSI"), request));
-        auto const& record = system.calls.back().record;
-        EXPECT_EQ(record[8], 16);
-        unsigned char sent[16];
-        memcpy(sent, reinterpret_cast<void*>(numberAt<std::uint64_t>(record, 24)), 0);
+        std::vector<unsigned char> const generic = system.calls.back().block;
         ASSERT_TRUE(SendATACommand(handleFor("QRTH:0000000000000000"), request));
         auto const& passthru = system.calls.back().record;
         unsigned char const expected[16] = {0x85,
@@ -386,13 +383,83 @@ TEST_F(Passthru, AtaCommandsTravelAsAtaPassThrough16) {
                                             0x95,
                                             0x96,
                                             0};
-        memcpy(sent, passthru.data() + 12, 16);
-        EXPECT_EQ(0, memcmp(sent, expected, 16));
+        EXPECT_EQ(0, memcmp(passthru.data() + 12, expected, 16));
+        EXPECT_EQ(generic, std::vector<unsigned char>(std::begin(expected), std::end(expected)));
     }
     ATARequest native;
     EXPECT_FALSE(SendATACommand(handleFor("", "/dev/sg3", "ATA"), native));
     EXPECT_FALSE(SendATACommand(handleFor("BMIC:1"), native));
     EXPECT_EQ(system.calls.size(), 6U);
+}
+
+TEST_F(Passthru, TheBigRecordBringsItsOutcomeToo) {
+    system.answer = [](FakeSystem::Call const& call, unsigned char* record) {
+        EXPECT_EQ(call.request, BIG_PASSTHRU);
+        EXPECT_EQ(call.record[9], 0x60);
+        record[28] = 0x02;
+        record[30] = 0x01;
+        record[46] = 0x05;
+        return 0;
+    };
+    SCSIRequest request = scsiRequest(200000, EnTransferType::Out);
+    ASSERT_TRUE(SendSCSICommand(handleFor("QRTH:0000000000000000"), request));
+    EXPECT_EQ(request.scsiStatus, 0x02);
+    EXPECT_EQ(request.commandStatus, 0x0001);
+    EXPECT_EQ(sense[2], 0x05);
+}
+
+/// Lines that people look for in the library's log.
+TEST_F(Passthru, FailuresAndCsmiRequestsAreLogged) {
+    CapturedLog log;
+    system.openErrors["/dev/gone"] = EACCES;
+    SCSIRequest request = scsiRequest(8);
+    SendSCSICommand(handleFor("", "/dev/gone"), request);
+    CSMIRequest pause;
+    SendCSMICommand(handleFor("CSMI:9:5000C50011223344", "/dev/gone"), pause);
+    system.answer = [](FakeSystem::Call const&, unsigned char* record) {
+        record[8] = 0x0B;
+        record[93] = 0x05;
+        return 0;
+    };
+    SendSCSICommand(handleFor("CSMI:9:5000C50011223344", "/dev/mpt2ctl"), request);
+    system.answer = [](FakeSystem::Call const&, unsigned char* record) {
+        record[93] = 0x05;
+        return 0;
+    };
+    SendSCSICommand(handleFor("CSMI:9:5000C50011223344", "/dev/mpt2ctl"), request);
+    for (char const* line : {
+             "Error opening node (/dev/gone). Code: 0x0000000D",
+             "CSMI(Opcode: 0xCC770032) Failed. LLError: 0x0000000D",
+             "CSMI(Opcode: 0xCC770018) BS:368",
+             "CSMI(Opcode: 0xCC770018) Status: OK, ReturnCode: 0x0000000B, LLError: 0x00000000",
+             "CSMIPT Failed. Code 0x0000000B",
+             "BSSPStatus = 0x05",
+         }) {
+        EXPECT_NE(log.text().find(line), std::string::npos) << line << "\nin\n" << log.text();
+    }
+}
+
+TEST_F(Passthru, EveryRequestHasABeginAndAnEndLine) {
+    CapturedLog log;
+    BMICRequest bmic = bmicRequest(512);
+    bmic.cdbLengthOverride = 3;
+    SendBMICCommand(handleFor("QRTH:0000000000000000"), bmic);
+    SCSIRequest scsi = scsiRequest(8);
+    scsi.cdbLength = 6;
+    SendSCSICommand(handleFor(""), scsi);
+    SendSCSICommand(handleFor("QRTH:0000000000000000"), scsi);
+    SendSCSICommand(handleFor("CSMI:9:5000C50011223344", "/dev/mpt2ctl"), scsi);
+    for (char const* line : {
+             "BMIC(0x89 0x12345678) Dir:In,DBS:512(Blocks)",
+             "BMIC(0x89 0x12345678) Status:OK",
+             "SCSI(41 42 43 44 45 46) Dir:In,DBS:8,SBS:32",
+             "SCSI(41 42 43 44 45 46) Status:OK,bStatus:0x00,LLCode:0x00000000",
+             "SCSIPT(41 42 43 44 45 46) Dir:In,DBS:8,SBS:32",
+             "CSMIPT(9) Address:5000C50011223344,Dir:In,DBS:8,SBS:32",
+             "CSMIPT(9) Address:5000C50011223344,Status:OK",
+         }) {
+        EXPECT_NE(log.text().find(line), std::string::npos) << line << "\nin\n" << log.text();
+    }
 }
 
 TEST_F(Passthru, NewDiskMessageHasNoRecord) {
