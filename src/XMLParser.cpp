@@ -3,11 +3,17 @@
 #include <exception>
 #include <fstream>
 
+#include "src/CLI.h"
 #include "src/ExpatSc.h"
+#include "src/inputFile.h"
 
 namespace {
 
 constexpr int ChunkSize = 4096;
+
+/// Largest document that is read. Catalogues have a few kilobytes; the parser's time grows with the square of
+/// a single long token.
+constexpr int SizeLimit = 8 << 20;
 
 void fileError(UserData_t& state, int kind, char const* text) noexcept {
     state.errorKind = kind;
@@ -57,14 +63,21 @@ bool C_XML::Parse(std::string const& path) {
     XML_SetCdataSectionHandler_SC(parser, startCdataSection, endCdataSection);
 
     // A file that can't be opened or read gives 0 bytes, and so the final chunk. A parser that has failed
-    // refuses every later chunk by itself; the file is read to its end all the same.
-    std::ifstream file(path, std::ios::in | std::ios::binary);
+    // refuses every later chunk by itself; the file is read on all the same.
+    std::ifstream file;
+    if (!refuseWaitingFile(path)) file.open(path, std::ios::in | std::ios::binary);
     bool finalChunk = false;
+    int total = 0;
     while (!finalChunk) {
         void* const buffer = XML_GetBuffer_SC(parser, ChunkSize);
         if (!buffer) break;
         file.read(static_cast<char*>(buffer), ChunkSize);
-        auto const length = static_cast<int>(file.gcount());
+        auto length = static_cast<int>(file.gcount());
+        total += length;
+        if (total > SizeLimit) {
+            cli.logVerbose("%s: more than %d bytes found, the rest is refused\n", path.c_str(), SizeLimit);
+            length = 0;
+        }
         finalChunk = length == 0;
         XML_ParseBuffer_SC(parser, length, finalChunk);
     }

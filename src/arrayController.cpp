@@ -27,7 +27,7 @@ constexpr int CONTROLLER_BUCKET = 0;
 constexpr int NAMED_BUCKET = 1;
 constexpr int CONTROLLER_ROW = 0;
 
-/// The controller needs a moment between the two flashes.
+/// Microseconds between the two flashes of a controller.
 constexpr unsigned int PAUSE_BETWEEN_FLASHES = 500000;
 
 /// Models that a run treats in a way of their own.
@@ -130,6 +130,9 @@ int CheckArray(DevicePointer const& device) {
     DevInfo const* const entry = DiscoveryInfo::Instance()->getDevInfo(CONTROLLER_BUCKET, "");
     if (entry == nullptr) {
         cli.logVerbose("CheckArray: Unsupported device\n");
+        return codeOk;
+    }
+    if (isBeyondCollection(getValue(device, Interface::TOLKMod::Device::ATTR_NAME_UNIQUE_ID, ""))) {
         return codeOk;
     }
     ++gblFound;

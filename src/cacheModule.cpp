@@ -13,6 +13,7 @@
 #include "src/deviceCollection.h"
 #include "src/discoveryDocument.h"
 #include "src/imageArguments.h"
+#include "src/inputFile.h"
 #include "src/operationResult.h"
 #include "src/runState.h"
 #include "src/version.h"
@@ -110,6 +111,9 @@ int flashPIC(DevicePointer const& controller, std::string const& tag) {
         return codeOk;
     }
     cli.logVerbose("FlashPIC: fw file name: %s\n", entry->payload.c_str());
+    if (refuseWaitingFile(entry->payload)) {
+        return codeUnreadable;
+    }
     File const file(std::fopen(entry->payload.c_str(), "rb"));
     if (!file) {
         cli.logVerbose("FlashPIC: Firmware Info/Image not found for FBWC\n");

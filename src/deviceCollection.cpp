@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <set>
 
 #include "src/CLI.h"
 #include "src/version.h"
@@ -75,6 +76,18 @@ int addToDeviceCollection(std::string const& deviceType, std::string const& devi
     ++discoveredDeviceCount;
     cli.logVerbose("addToDeviceCollection. discoveredDeviceCount:%d\n", discoveredDeviceCount);
     return discoveredDeviceCount;
+}
+
+bool isBeyondCollection(std::string const& uniqueId) {
+    static std::set<std::string> beyond;
+    if (isDiscoveryPass() && discoveredDeviceCount >= DEVICE_ROWS) {
+        beyond.insert(uniqueId);
+    }
+    if (beyond.count(uniqueId) == 0) {
+        return false;
+    }
+    cli.logVerbose("%s refused: the table's %d rows are taken\n", uniqueId.c_str(), DEVICE_ROWS);
+    return true;
 }
 
 void setUpdateStatusToDeviceCollection(std::string const& deviceId, updateState state) {

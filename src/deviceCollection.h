@@ -36,11 +36,16 @@ extern std::string gblExpMaxFWVer;
 extern bool gblSetVersion;     ///< a controller's version was seen
 extern bool gblExpSetVersion;  ///< an expander's version was seen
 
-/// Fills the next free row and returns the new count. A device beyond the table's rows is refused with a
-/// line in the verbose log.
+/// Fills the next free row and returns the new count. Without a free row nothing is filled, with a line in
+/// the verbose log.
 int addToDeviceCollection(std::string const& deviceType, std::string const& deviceId,
                           std::string const& marketingName, std::string const& version, int type,
                           std::string const& slot, std::string const& serial);
+
+/// Whether a device, by its unique identifier, is left out of the run because the table has no row for it.
+/// Decided in the discovery pass, and remembered: the update pass finds rows by model, and would take a
+/// controller without a row for its twin that has one.
+bool isBeyondCollection(std::string const& uniqueId);
 
 /// Sets the status of every row with this id, so that of two devices with one id the later check decides.
 void setUpdateStatusToDeviceCollection(std::string const& deviceId, updateState state);

@@ -64,11 +64,8 @@ int readTagsFromComponentXML(std::string const& path) {
     xml.FindAttrText("/ksl_package/sw_keys/sw_keys_and/sw_key", "name", std::back_inserter(keys));
     for (auto const& [name, text] : keys) {
         std::string const tag = trim(name);
-        if (tag.empty()) {
-            cli.logVerbose("%s: sw_key without a name skipped: an empty tag would fit every device\n",
-                           path.c_str());
-            continue;
-        }
+        // A key without a name gives an empty tag, which fits every device. It counts: packages for
+        // everything say so in this way, and a device refuses an image that isn't for it.
         addTags(tag);
         cli.logVerbose("Added tag: %s\n", tag.c_str());
     }

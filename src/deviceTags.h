@@ -15,6 +15,6 @@ std::string getTags();
 void printTags();
 /// Whether a tag is a prefix of `id`, compared without case.
 bool isApplicable(std::string const& id);
-/// Adds the tags that the component file names. Returns 0, or -1 if the file can't be parsed; a missing file
-/// is an empty one and returns 0.
+/// Adds the tags that the component file names. Returns 0: a file that is missing or malformed counts as one
+/// that holds what could be read. (-1 is kept for a parser that reports failures; this one doesn't.)
 int readTagsFromComponentXML(std::string const& path);

@@ -1,7 +1,5 @@
 #include "src/flashArray.h"
 
-#include <cinttypes>
-#include <cstdio>
 #include <vector>
 
 #include "core/capability_finder.h"
@@ -12,6 +10,7 @@
 #include "src/arrayShiftBit.h"
 #include "src/deviceAttributes.h"
 #include "src/deviceCollection.h"
+#include "src/imageArguments.h"
 #include "src/operationResult.h"
 #include "src/progress.h"
 #include "src/romImage.h"
@@ -43,18 +42,8 @@ void askForZeroDownTime(OperationPointer const& operation, DevicePointer const& 
         cli.logVerbose("Tofu not supported\n");
         return;
     }
-    operation->SetArgument(Core::DeviceOperation::eAbsolute, FlashNames::ATTR_NAME_TOFU,
+    operation->SetArgument(Core::DeviceOperation::eSET, FlashNames::ATTR_NAME_TOFU,
                            FlashNames::ATTR_VALUE_TOFU_ENABLE);
-}
-
-void setImage(OperationPointer const& operation, std::vector<unsigned char> const& image) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%" PRIuPTR, reinterpret_cast<std::uintptr_t>(image.data()));
-    cli.logVerbose("Setting buffer address to %s for %p\n", text, static_cast<void const*>(image.data()));
-    operation->SetArgument(Core::DeviceOperation::eAbsolute, FlashNames::ATTR_NAME_BUFFER_ADDRESS, text);
-    std::snprintf(text, sizeof text, "%u", static_cast<unsigned>(image.size()));
-    cli.logVerbose("Setting buffer size to %s\n", text);
-    operation->SetArgument(Core::DeviceOperation::eAbsolute, FlashNames::ATTR_NAME_BUFFER_SIZE, text);
 }
 
 }  // namespace
@@ -86,7 +75,7 @@ int FlashArray(DevicePointer const& device, std::string const& model, bool secon
         if (gblisZeroDownTimeEnabled) {
             askForZeroDownTime(operation, device, model);
         }
-        setImage(operation, image);
+        setImageArguments(*operation, image);
     }
     if (!operation || !device->hasOperation(name)) {
         cli.logVerbose("Device refused OPERATION_WRITE_FLASH_ARRAY_CONTROLLER_FIRMWARE...\n");
@@ -109,6 +98,7 @@ int FlashArray(DevicePointer const& device, std::string const& model, bool secon
     }
     sendReadBMICCommand(device);
     cli.logVerbose("Operation return code:%d\n\n", code);
+    // An empty image counts as flashed too: the operation takes it, and sends nothing.
     if (code != codeOk) {
         if (second) {
             cli.log("Failed: %s Slot: %s from %s to %s\n", model.c_str(), slot.c_str(), installed.c_str(),

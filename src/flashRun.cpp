@@ -104,8 +104,8 @@ int walkTree() {
 }
 
 /// The tag list shows its first tag twice, so a list of this one tag never equals it, and the notice stays
-/// silent. The test stays as it is: a switch package that relied on the notice would show it at the wrong
-/// time.
+/// silent. The test stays as it is: with a looser one, tools that read the log would meet lines that no run
+/// has written so far.
 void noticeSasSwitch() {
     if (getTags() != SAS_SWITCH_TAG) {
         return;

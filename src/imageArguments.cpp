@@ -10,7 +10,7 @@ std::string addressText(void const* address) {
 }
 
 void setText(Core::DeviceOperation& operation, char const* name, std::string const& value) {
-    operation.SetArgument(Core::DeviceOperation::eAbsolute, name, value.c_str());
+    operation.SetArgument(Core::DeviceOperation::eSET, name, value.c_str());
 }
 
 void setImageArguments(Core::DeviceOperation& operation, std::vector<unsigned char> const& image) {

@@ -216,6 +216,10 @@ std::optional<int> parseOptions(int argc, char* argv[]) {
             continue;
         }
         if (Outcome const ended = row->handler(optarg)) {
+            // getopt keeps its place inside a cluster such as -hs, and the next pass would begin there: what
+            // is left of the line is taken and dropped.
+            while (getopt(argc, argv, OPTION_STRING) != -1) {
+            }
             return ended;
         }
     }

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "src/CLI.h"
+#include "src/inputFile.h"
 #include "src/runState.h"
 
 namespace {
@@ -36,6 +37,9 @@ class Descriptor {
 }  // namespace
 
 int ReadROMImage(std::string const& path, std::vector<unsigned char>& image) {
+    if (refuseWaitingFile(path)) {
+        return codeUnreadable;
+    }
     Descriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (file.number() < 0) {
         cli.logVerbose("Error: [%s] ROM image file \"%s\" could not be opened\n", std::strerror(errno),

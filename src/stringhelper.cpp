@@ -7,8 +7,8 @@
 void trimming(std::string& text, char c) {
     auto const first = text.find_first_not_of(c);
     auto const last = text.find_last_not_of(c);
-    // Nothing but `c`: callers depend on the text that is one shorter, so it isn't emptied. For an empty text
-    // the length wraps to npos, and the text stays empty.
+    // A text of nothing but `c` only loses one: names made of blanks keep telling apart what the catalogue
+    // tells apart. For an empty text the length wraps to npos, and the text stays empty.
     text = last == std::string::npos ? text.substr(0, text.size() - 1) : text.substr(first, last - first + 1);
 }
 

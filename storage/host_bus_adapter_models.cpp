@@ -14,10 +14,10 @@ KSL_TEXT_CONSTANT(ATTR_VALUE_HBA_NAME_SPRUCE8);
 namespace {
 
 constexpr HostBusAdapterModel MODELS[] = {
-    {0x1E5C3401, HostBusAdapter::ATTR_VALUE_HBA_NAME_WILLOW8E, "VQ SH208 External Host Bus Adapter"},
-    {0x1E5C3402, HostBusAdapter::ATTR_VALUE_HBA_NAME_WILLOW4I, "VQ SH204i Internal Host Bus Adapter"},
-    {0x1E5C3403, HostBusAdapter::ATTR_VALUE_HBA_NAME_WILLOW4E4I, "VQ SH244 Host Bus Adapter"},
-    {0x1E5C3404, HostBusAdapter::ATTR_VALUE_HBA_NAME_SPRUCE8, "VQ SH308 Host Bus Adapter"},
+    {0x1E5C3601, HostBusAdapter::ATTR_VALUE_HBA_NAME_WILLOW8E, "VQ SH208 External Host Bus Adapter"},
+    {0x1E5C3602, HostBusAdapter::ATTR_VALUE_HBA_NAME_WILLOW4I, "VQ SH204i Internal Host Bus Adapter"},
+    {0x1E5C3603, HostBusAdapter::ATTR_VALUE_HBA_NAME_WILLOW4E4I, "VQ SH244 Host Bus Adapter"},
+    {0x1E5C3604, HostBusAdapter::ATTR_VALUE_HBA_NAME_SPRUCE8, "VQ SH308 Host Bus Adapter"},
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "storage/operations/discover_controllers.h"
 #include "storage/operations/read_array_controller_info.h"
 #include "storage/operations/write_allowed_controller_discovery.h"
+#include "storage/operations/write_set_capability_mask.h"
 #include "storage/schema/adapters.h"
 #include "storage/schema/array_controller.h"
 #include "storage/schema/mod_root.h"
@@ -45,6 +46,8 @@ constexpr OperationRow OPERATIONS[] = {
      creatorOf<Operations::DiscoverHostBusAdapter>},
     {Interface::TOLKMod::ModRoot::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>,
      creatorOf<Operations::WriteAllowedControllerDiscovery>},
+    {Interface::TOLKMod::ModRoot::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>,
+     creatorOf<Operations::WriteSetCapabilityMask>},
     {ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
      creatorOf<Operations::ReadArrayControllerInfo>},
     {ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,

@@ -64,7 +64,7 @@ AdapterProperties::AdapterProperties(Common::string const& adapterHandle)
     firmwareVersion = table[FirmwareVersion];
     romVersion = table[RomVersion];
     unsigned numbers[4] = {};
-    if (std::sscanf(table[PciLocation].c_str(), "%4x:%2x:%2x.%2x", &numbers[0], &numbers[1], &numbers[2],
+    if (std::sscanf(table[PciLocation].c_str(), "%8x:%2x:%2x.%2x", &numbers[0], &numbers[1], &numbers[2],
                     &numbers[3]) == 4) {
         domain = hexText("%04X", numbers[0]);
         bus = hexText("%02X", numbers[1]);

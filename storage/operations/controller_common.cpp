@@ -82,12 +82,13 @@ void publishAdapterProperties(Core::Device& device, AdapterProperties const& ada
 }
 
 bool isControllerModeValid(Records::IDENTIFY_CONTROLLER const& identify) {
-    return identify.dwFixedStructureLength >= offsetof(Records::IDENTIFY_CONTROLLER, bControllerMode) +
-                                                  sizeof(Records::IDENTIFY_CONTROLLER::bControllerMode);
+    return fromWire(identify.dwFixedStructureLength) >=
+           offsetof(Records::IDENTIFY_CONTROLLER, bControllerMode) +
+               sizeof(Records::IDENTIFY_CONTROLLER::bControllerMode);
 }
 
 bool isEvenMoreControllerFlagsValid(Records::IDENTIFY_CONTROLLER const& identify) {
-    return identify.dwFixedStructureLength >=
+    return fromWire(identify.dwFixedStructureLength) >=
            offsetof(Records::IDENTIFY_CONTROLLER, dwEvenMoreControllerFlags) +
                sizeof(Records::IDENTIFY_CONTROLLER::dwEvenMoreControllerFlags);
 }

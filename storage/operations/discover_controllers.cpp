@@ -31,7 +31,7 @@ constexpr std::uint16_t DATA_UNDERRUN = 2;
 Common::string qbxVersion(Common::string const& text) {
     Common::string const digits = text.Trim();
     if (digits.size() != 4) {
-        return text;
+        return digits;
     }
     Common::string version = digits[0] == '0' ? Common::string() : digits.substr(0, 1);
     version += digits.substr(1, 1);

@@ -5,8 +5,9 @@
 
 namespace Operations {
 
-/// Makes a device of each controller that answers, in slot order. A failure of one never aborts the rest: a
-/// controller whose commands fail is made all the same, and reading its information will mark it.
+/// Makes a device of each controller whose node answers, in slot order. A failure of one never aborts the
+/// rest: a controller whose management commands fail is made all the same, and reading its information will
+/// mark it.
 class DiscoverArrayController : public Core::DeviceOperation, public Schema::VisitorModRoot {
   public:
     using Core::DeviceOperation::visit;

@@ -22,8 +22,6 @@ inline constexpr std::uint32_t CONTROLLER_LOCKED = 1U << 5;
 // bActiveROMStatus: a second image exists and can be switched to.
 inline constexpr std::uint8_t RECOVERY_ROM = 1U << 0;
 
-// bDisableFlag and bControllerStatus are codes, not bits.
-
 // bControllerMode
 inline constexpr std::uint8_t MODE_VAULTLINE = 0;
 inline constexpr std::uint8_t MODE_HBA = 1;

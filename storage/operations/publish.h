@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "command/endian.h"
 #include "common/conversion.h"
 #include "common/string.h"
 #include "core/device.h"
@@ -16,6 +17,12 @@ inline Common::string decimalText(unsigned long long value) {
     char text[24];
     std::snprintf(text, sizeof text, "%llu", value);
     return text;
+}
+
+/// A number of a record that its command leaves in wire order.
+template <typename Number>
+Number fromWire(Number wire) {
+    return ConvertLittleEndianToValue<Number>(wire);
 }
 
 /// A text member of a record: neither terminated nor of its full length, filled with blanks or zeros.

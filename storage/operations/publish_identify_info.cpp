@@ -14,8 +14,8 @@ namespace Names = Interface::StorageMod::ArrayController;
 using Records::IDENTIFY_CONTROLLER;
 
 /// Text for a member that only exists if the record reaches behind it.
-#define KSL_REACHES(record, member)     \
-    ((record).dwFixedStructureLength >= \
+#define KSL_REACHES(record, member)               \
+    (fromWire((record).dwFixedStructureLength) >= \
      offsetof(IDENTIFY_CONTROLLER, member) + sizeof(IDENTIFY_CONTROLLER::member))
 
 constexpr PublishRow<IDENTIFY_CONTROLLER> IDENTIFY_ROWS[] = {
@@ -23,10 +23,10 @@ constexpr PublishRow<IDENTIFY_CONTROLLER> IDENTIFY_ROWS[] = {
     {Names::ATTR_NAME_CPU_REVISION, [](auto& r) { return decimalText(r.bCPURev); }},
     {Names::ATTR_NAME_CPLD_REVISION, [](auto& r) { return decimalText(r.bCPLDRevision); }},
     {Names::ATTR_NAME_INACTIVE_FIRMWARE_REVISION, [](auto& r) { return memberText(r.sROMInactiveRev); }},
-    {Names::ATTR_NAME_FIRMWARE_BUILD, [](auto& r) { return decimalText(r.wFirmwareBuildNumber); }},
+    {Names::ATTR_NAME_FIRMWARE_BUILD, [](auto& r) { return decimalText(fromWire(r.wFirmwareBuildNumber)); }},
     {Names::ATTR_NAME_LOGICAL_DRIVE_COUNT, [](auto& r) { return decimalText(r.bConfiguredLogicalDrives); }},
     {Names::ATTR_NAME_MAX_LOGICAL_VOLUMES,
-     [](auto& r) { return decimalText(r.wMaximumLogicalDevicesSupported); }},
+     [](auto& r) { return decimalText(fromWire(r.wMaximumLogicalDevicesSupported)); }},
     {Names::ATTR_NAME_MAX_DRIVES_PER_ARRAY,
      [](auto& r) { return decimalText(r.wMaximumPhysicalDrivesPerLogicalUnit); }},
     {Names::ATTR_NAME_VENDOR_ID, [](auto& r) { return memberText(r.sVendorID); }},
@@ -46,14 +46,14 @@ constexpr PublishRow<IDENTIFY_CONTROLLER> IDENTIFY_ROWS[] = {
     {Names::ATTR_NAME_ZONING_ENABLED,
      [](auto& r) {
          return !isEvenMoreControllerFlagsValid(r) ? Common::string()
-                : (r.dwEvenMoreControllerFlags & IdentifyFlags::ZONING_ENABLED) != 0
+                : (fromWire(r.dwEvenMoreControllerFlags) & IdentifyFlags::ZONING_ENABLED) != 0
                     ? Common::string(Names::ATTR_VALUE_ZONING_ENABLED_TRUE)
                     : Common::string(Names::ATTR_VALUE_ZONING_ENABLED_FALSE);
      }},
     {Names::ATTR_NAME_IS_TOFU_SUPPORTED,
      [](auto& r) {
          return !isEvenMoreControllerFlagsValid(r) ? Common::string()
-                : (r.dwEvenMoreControllerFlags & IdentifyFlags::UPDATE_WITHOUT_DOWNTIME) != 0
+                : (fromWire(r.dwEvenMoreControllerFlags) & IdentifyFlags::UPDATE_WITHOUT_DOWNTIME) != 0
                     ? Common::string(Names::ATTR_VALUE_IS_TOFU_SUPPORTED_TRUE)
                     : Common::string(Names::ATTR_VALUE_IS_TOFU_SUPPORTED_FALSE);
      }},
@@ -64,14 +64,14 @@ constexpr PublishRow<IDENTIFY_CONTROLLER> IDENTIFY_ROWS[] = {
     {Names::ATTR_NAME_ENCRYPTION_FW_LOCKED,
      [](auto& r) {
          return !KSL_REACHES(r, dwEncryptionStatus) ? Common::string()
-                : (r.dwEncryptionStatus & IdentifyFlags::FIRMWARE_LOCKED) != 0
+                : (fromWire(r.dwEncryptionStatus) & IdentifyFlags::FIRMWARE_LOCKED) != 0
                     ? Common::string(Names::ATTR_VALUE_ENCRYPTION_FW_LOCKED_TRUE)
                     : Common::string(Names::ATTR_VALUE_ENCRYPTION_FW_LOCKED_FALSE);
      }},
     {Names::ATTR_NAME_ENCRYPTION_CONTROLLER_LOCKED,
      [](auto& r) {
          return !KSL_REACHES(r, dwEncryptionStatus) ? Common::string()
-                : (r.dwEncryptionStatus & IdentifyFlags::CONTROLLER_LOCKED) != 0
+                : (fromWire(r.dwEncryptionStatus) & IdentifyFlags::CONTROLLER_LOCKED) != 0
                     ? Common::string(Names::ATTR_VALUE_ENCRYPTION_CONTROLLER_LOCKED_TRUE)
                     : Common::string(Names::ATTR_VALUE_ENCRYPTION_CONTROLLER_LOCKED_FALSE);
      }},
@@ -86,13 +86,13 @@ constexpr PublishRow<IDENTIFY_CONTROLLER> IDENTIFY_ROWS[] = {
 constexpr PublishRow<IDENTIFY_CONTROLLER> MODE_ROWS[] = {
     {Names::ATTR_NAME_HBA_MODE_SUPPORTED,
      [](auto& r) {
-         return Common::string((r.dwExtraControllerFlags & IdentifyFlags::HBA_MODE_SUPPORTED) != 0
+         return Common::string((fromWire(r.dwExtraControllerFlags) & IdentifyFlags::HBA_MODE_SUPPORTED) != 0
                                    ? Names::ATTR_VALUE_HBA_MODE_SUPPORTED_TRUE
                                    : Names::ATTR_VALUE_HBA_MODE_SUPPORTED_FALSE);
      }},
     {Names::ATTR_NAME_HBA_MODE_ENABLED,
      [](auto& r) {
-         return Common::string((r.dwExtraControllerFlags & IdentifyFlags::HBA_MODE_ENABLED) != 0
+         return Common::string((fromWire(r.dwExtraControllerFlags) & IdentifyFlags::HBA_MODE_ENABLED) != 0
                                    ? Names::ATTR_VALUE_HBA_MODE_ENABLED_TRUE
                                    : Names::ATTR_VALUE_HBA_MODE_ENABLED_FALSE);
      }},

@@ -6,6 +6,7 @@
 #include "command/controller_command.h"
 #include "command/device_command_return.h"
 #include "command/logical_drive_command.h"
+#include "common/debug_logger.h"
 #include "core/device_finder.h"
 #include "core/operation_context.h"
 #include "core/tolkmod.h"
@@ -78,7 +79,7 @@ void checkState(Schema::ArrayController& controller, Common::string const& name,
 
 void publishModes(Schema::ArrayController& controller, IDENTIFY_CONTROLLER const& identify) {
     if (isEvenMoreControllerFlagsValid(identify) &&
-        (identify.dwEvenMoreControllerFlags & IdentifyFlags::UNSUPPORTED_ZMR_MODE) != 0) {
+        (fromWire(identify.dwEvenMoreControllerFlags) & IdentifyFlags::UNSUPPORTED_ZMR_MODE) != 0) {
         controller.SetControllerStatusNotOk(Names::ATTR_VALUE_CONTROLLER_STATE_UNSUPPORTED_ZMR_MODE);
     }
     publishControllerAndHBAModeInfo(controller, identify);
@@ -110,7 +111,17 @@ void checkConfigurationVersions(Schema::ArrayController& controller, IDENTIFY_CO
     for (std::uint16_t unit = 0;
          seen < identify.bConfiguredLogicalDrives && unit < controller.maxLogicalUnits(); ++unit) {
         SenseLogicalDriveCommand<SenseLogicalDriveConfigurationTrait> configuration(unit);
-        if (!configuration(controller) || configuration.record().wAssignedDrives == 0) {
+        if (!configuration(controller)) {
+            if (configuration.bSenseKey() != 0) {
+                // It kept saying so for as long as a command is repeated; the other units would too.
+                Common::DebugLogger::LogCommand(
+                    "Configuration of unit %u not read (sense key %u); ending the scan",
+                    static_cast<unsigned>(unit), static_cast<unsigned>(configuration.bSenseKey()));
+                return;
+            }
+            continue;
+        }
+        if (configuration.record().wAssignedDrives == 0) {
             continue;
         }
         ++seen;
@@ -123,12 +134,12 @@ void checkConfigurationVersions(Schema::ArrayController& controller, IDENTIFY_CO
 }
 
 /// One stage: send the command, and publish its record if everything went well so far.
-template <typename Trait, typename Publish>
+template <typename Command, typename Publish>
 void readStage(Schema::ArrayController& controller, Core::OperationReturn& result, Publish publishRecord) {
     if (!result) {
         return;
     }
-    SenseControllerCommand<Trait> command;
+    Command command;
     DeviceCommandReturn::executeCommand(command, controller, result);
     if (result) {
         publishRecord(controller, command.record());
@@ -138,17 +149,20 @@ void readStage(Schema::ArrayController& controller, Core::OperationReturn& resul
 void readArrayModeRecords(Schema::ArrayController& controller, Common::string const& family,
                           Core::OperationReturn& result) {
     Common::string const location = controller.getValueFor(Names::ATTR_NAME_LOCATION);
-    readStage<SenseSubsystemInformationTrait>(controller, result, publishSubsystemSystemInfo);
+    readStage<SenseControllerCommand<SenseSubsystemInformationTrait>>(controller, result,
+                                                                      publishSubsystemSystemInfo);
     if (location != Names::ATTR_VALUE_LOCATION_REMOTE) {
-        readStage<SenseRedundantParameterTrait>(controller, result, publishRedundantControllerParameters);
+        readStage<SenseControllerCommand<SenseRedundantParameterTrait>>(controller, result,
+                                                                        publishRedundantControllerParameters);
     }
-    readStage<SenseControllerCacheConfigStatusTrait>(controller, result, publishAcceleratorInfo);
+    readStage<SenseControllerCacheConfigStatusBase>(controller, result, publishAcceleratorInfo);
     if (location == Names::ATTR_VALUE_LOCATION_LOCAL) {
-        readStage<SenseControllerParametersTrait>(controller, result, publishParameterInfo);
+        readStage<SenseControllerCommand<SenseControllerParametersTrait>>(controller, result,
+                                                                          publishParameterInfo);
     }
-    readStage<SenseSurfaceStatusTrait>(controller, result, publishSurfaceStatusInfo);
+    readStage<SenseControllerCommand<SenseSurfaceStatusTrait>>(controller, result, publishSurfaceStatusInfo);
     if (family != Names::ATTR_VALUE_CONTROLLER_FIRMWARE_FAMILY_QBX_FIR) {
-        readStage<SenseMNPStatusTrait>(controller, result, publishMNPStatusInfo);
+        readStage<SenseControllerCommand<SenseMNPStatusTrait>>(controller, result, publishMNPStatusInfo);
     }
 }
 
@@ -198,7 +212,7 @@ Core::OperationReturn ReadArrayControllerInfo::visit(Schema::ArrayController& co
         return result;
     }
     if (name == Names::ATTR_VALUE_CONTROLLER_NAME_HAZEL &&
-        (identify.dwEncryptionStatus & IdentifyFlags::CONFIG_LOCKOUT) != 0) {
+        (fromWire(identify.dwEncryptionStatus) & IdentifyFlags::CONFIG_LOCKOUT) != 0) {
         publish(controller, Names::ATTR_NAME_ENCRYPTION_CONFIG_LOCKOUT,
                 Names::ATTR_VALUE_ENCRYPTION_CONFIG_LOCKOUT_TRUE);
     }

@@ -21,7 +21,7 @@ class ReadArrayControllerInfo : public Core::DeviceOperation, public Schema::Vis
 };
 
 /// Whether discovery may have controllers rescan their buses. Not at the start: a rescan is a message that
-/// changes what a controller does, and only a front end that asks for it gets it.
+/// changes what a controller does, and a discovery only reads.
 class WriteBusRescanType {
   public:
     static bool isBusScanAllowed();

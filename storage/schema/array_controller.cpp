@@ -1,5 +1,6 @@
 #include "storage/schema/array_controller.h"
 
+#include "command/endian.h"
 #include "common/debug_logger.h"
 #include "core/tolkmod.h"
 #include "storage/schema/identity.h"
@@ -47,10 +48,12 @@ ArrayController::ArrayController(Common::string const& handle, bool const& isRem
 }
 
 void ArrayController::InitializeSupport(Common::copy_ptr<Records::IDENTIFY_CONTROLLER> const& identify) {
-    m_maxLogicalUnits = checkedLimit(identify->wMaximumLogicalDevicesSupported, m_maxLogicalUnits,
-                                     MOST_LOGICAL_UNITS, "logical units");
-    m_maxPhysicalUnits = checkedLimit(identify->wMaximumPhysicalDevicesSupported, m_maxPhysicalUnits,
-                                      MOST_PHYSICAL_UNITS, "physical units");
+    m_maxLogicalUnits =
+        checkedLimit(ConvertLittleEndianToValue<std::uint16_t>(identify->wMaximumLogicalDevicesSupported),
+                     m_maxLogicalUnits, MOST_LOGICAL_UNITS, "logical units");
+    m_maxPhysicalUnits =
+        checkedLimit(ConvertLittleEndianToValue<std::uint16_t>(identify->wMaximumPhysicalDevicesSupported),
+                     m_maxPhysicalUnits, MOST_PHYSICAL_UNITS, "physical units");
 }
 
 void ArrayController::SetControllerStatusNotOk(Common::string const& state) {

@@ -25,7 +25,7 @@ class ArrayController : public Common::CloneableInherit<Core::DeviceComposite,
                     unsigned short const& maxPhysicalUnits, unsigned short const& maxLogicalUnits,
                     Common::string const& locationKey);
 
-    /// Keeps what the device needs of an identify reply: its limits and what its firmware supports.
+    /// Keeps what the device needs of an identify reply: the limits of its units.
     void InitializeSupport(Common::copy_ptr<Records::IDENTIFY_CONTROLLER> const& identify);
 
     /// Turns the status down: not OK, with the state that tells why. The later call overrides the earlier.

@@ -48,7 +48,7 @@ Strings const DISCOVERY = {
     "26000000000011020000 in 512",   // identify, for the controller's information
     "26000000000066064000 in 1600",
     "26000000000082020000 in 512",   // redundancy
-    "260000000000c1020000 in 512",   // cache
+    "260100000000c1020000 in 512",   // cache
     "26000000000064020000 in 512",   // parameters
     "26000000000070060000 in 1536",  // surface analysis
     "26000000000072020000 in 512",   // monitoring

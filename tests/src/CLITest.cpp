@@ -121,7 +121,7 @@ TEST_F(CLITest, EmptyLineWithoutADefaultIsAskedAgain) {
     EXPECT_EQ(line, "a word");
 }
 
-TEST_F(CLITest, AnswerTableIsTheDocumentedOne) {
+TEST_F(CLITest, AnswerTableHoldsTheSevenWords) {
     std::pair<char const*, int> const rows[] = {{"all", 5},  {"help", 4}, {"?", 4},  {"no", 3},
                                                 {"quit", 6}, {"show", 7}, {"yes", 2}};
     QA_Entry const* entry = QA_Map;
