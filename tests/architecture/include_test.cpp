@@ -50,7 +50,9 @@ Restriction const RESTRICTIONS[] = {
 /// Files that stand outside the rules, each with its reason.
 Names const DOORS = {"simulator/in_process_door.h", "simulator/in_process_door.cpp"};
 
-std::string folderOf(std::string const& path) { return path.substr(0, path.find('/')); }
+std::string folderOf(std::string const& path) {
+    return path.substr(0, path.find('/'));
+}
 
 bool startsWithOneOf(std::string const& path, Names const& prefixes) {
     for (std::string const& prefix : prefixes) {

@@ -16,7 +16,9 @@ struct FaultKind {
     char const* action;  ///< of the fault plan, without the exchange's number
 };
 
-void PrintTo(FaultKind const& kind, std::ostream* out) { *out << kind.name; }
+void PrintTo(FaultKind const& kind, std::ostream* out) {
+    *out << kind.name;
+}
 
 constexpr FaultKind KINDS[] = {
     {"Errno", R"("errno": "EIO")"},

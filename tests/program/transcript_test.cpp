@@ -173,7 +173,9 @@ struct Row {
     char const* older;
 };
 
-void PrintTo(Row const& row, std::ostream* out) { *out << row.name; }
+void PrintTo(Row const& row, std::ostream* out) {
+    *out << row.name;
+}
 
 Row const ROWS[] = {
     {"Yes",

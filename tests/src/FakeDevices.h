@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "common/cloneable.h"
+#include "core/capability.h"
 #include "core/device_composite.h"
 #include "core/device_operation.h"
 
@@ -32,6 +34,7 @@ class FakeOperation : public Core::DeviceOperation {
     explicit FakeOperation(std::string name) : m_name(std::move(name)) {}
 
     Core::OperationReturn visit(Core::Device& device) override {
+        if (onVisit) onVisit();
         Performance performance{device.toString().c_str(), {}, ""};
         for (auto argument = beginArgument(); argument != endArgument(); ++argument) {
             performance.arguments[argument->second.first.c_str()] = argument->second.second.text().c_str();
@@ -50,6 +53,17 @@ class FakeOperation : public Core::DeviceOperation {
         return result;
     }
 
+    Common::shared_ptr<Core::Capability> getCapabilityPtr(DevicePointer device) override {
+        auto const root = Core::DeviceOperation::getCapabilityPtr(device);
+        if (!offered.empty()) {
+            root->Subscribe(Common::shared_ptr<Core::Capability>(
+                new Core::CapabilityClass(offered.c_str(), "", "", "", "")));
+        }
+        return root;
+    }
+
+    std::string offered;  ///< the name of an argument among its capabilities
+    std::function<void()> onVisit;
     std::vector<Performance> performances;
     std::deque<Core::OperationReturn> results;
 

@@ -43,6 +43,13 @@ class RunTest : public FrontEndTest {
         return deviceInfoCltn[count - 1];
     }
 
+    static void forgetRows() {
+        discoveredDeviceCount = 0;
+        for (Device_Info& one : deviceInfoCltn) {
+            one = Device_Info();
+        }
+    }
+
     std::string componentLog() const { return readFile(directory() + "/component.log"); }
     std::string document() const { return readFile(directory() + "/document.xml"); }
     bool verboseLogHas(std::string const& text) const {
@@ -62,10 +69,7 @@ class RunTest : public FrontEndTest {
         gblFakeError = 0;
         gblFound = gblFlashed = gblUpgrades = gblDowngrades = gblRefresh = 0;
         gblFlashInterrupt = false;
-        discoveredDeviceCount = 0;
-        for (Device_Info& one : deviceInfoCltn) {
-            one = Device_Info();
-        }
+        forgetRows();
         gblMinFWVer = gblMaxFWVer = gblExpMinFWVer = gblExpMaxFWVer = "0000";
         gblSetVersion = gblExpSetVersion = false;
         gblDeviceTags.clear();
