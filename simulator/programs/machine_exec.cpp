@@ -99,13 +99,10 @@ int execOnMachine(std::string const& directory, std::vector<std::string> const& 
     ::setenv("KSL_MACHINE_FAULTS", plan.c_str(), 1);
     ::setenv("KSL_MACHINE_RUN", counters.c_str(), 1);
     prepend("LD_PRELOAD", library, ':');
-    // The address sanitizer wants to be the first library; behind this one it works as well.
-    char const* const options = std::getenv("ASAN_OPTIONS");
-    ::setenv("ASAN_OPTIONS",
-             (options != nullptr && *options != '\0' ? std::string(options) + ":verify_asan_link_order=0"
-                                                     : std::string("verify_asan_link_order=0"))
-                 .c_str(),
-             1);
+    // The address sanitizer wants to be the first library; behind this one it works as well. A sanitizer's
+    // report ends a program with 1, which is also how programs end well.
+    prepend("ASAN_OPTIONS", "verify_asan_link_order=0:exitcode=99", ':');
+    prepend("UBSAN_OPTIONS", "exitcode=99", ':');
 
     std::string const program = findProgram(command[0]);
     std::vector<char*> arguments;

@@ -140,7 +140,9 @@ TEST_F(TwoControllers, EachControllerGetsExactlyTheSequenceTwice) {
 }
 
 TEST_F(TwoControllers, DiscoverySendsNothingThatWrites) {
-    for (Strings const& arguments : {Strings{"-d", "out.xml", "-s"}, Strings{"-q", "-s"}}) {
+    for (Strings const& arguments :
+         {Strings{"-d", "out.xml", "-s"}, Strings{"-q", "-s"}, Strings{"-c", "-q", "-s"},
+          Strings{"-c", "-d", "out.xml", "-s"}, Strings{"-d", "out.xml", "-c", "-s"}}) {
         package.resetMachine();
         package.flash(arguments);
         std::size_t exchanges = 0;

@@ -222,6 +222,35 @@ TEST_F(FlashRunTest, CodeOfAPass) {
     }
 }
 
+/// The tag list of a package never equals the switch's tag, as its first tag goes in twice; a list that was
+/// made in another way does.
+TEST_F(FlashRunTest, SasSwitchNoticeHasEightLinesBehindAFailedRunThatFlashed) {
+    begin(update);
+    prepare("s");  // ends the walk with 1
+    gblFound = 1;
+    gblFlashed = 1;
+    gblDeviceTags = {"ENCL 14 SEP     "};
+    cli.setSilent(false);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(xqrthflash(), 1);
+    cli.setSilent(true);
+    std::string const disconnected =
+        "Devices which do not have redundant connections will be disconnected from their host systems.\n";
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), disconnected);
+    std::string const warning =
+        "\n** WARNING ** Resetting your SAS switch will disconnect the path through that switch.\n";
+    std::string const downtime =
+        "For non-redundant configurations, VQ recommends resetting your SAS switch device during scheduled "
+        "downtime.\n";
+    std::string const log = takeVerboseLog();
+    // The sixth line goes to the ordinary log and the console.
+    std::string const expected =
+        "\nIt is necessary to reset your SAS switch for the new firmware to take effect.\n" + warning +
+        disconnected + downtime + warning + downtime +
+        "Please consult your product documentation for additional details.\n";
+    EXPECT_TRUE(log.ends_with(expected)) << log;
+}
+
 TEST_F(FlashRunTest, DiscoveryEndsWithItsDocumentAndNoOtherCode) {
     begin(discovery);
     prepare("s");  // a drive whose result would count in the update pass
