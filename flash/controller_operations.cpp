@@ -28,27 +28,11 @@ OperationReturn WriteSoftResetArrayController::visit(Schema::ArrayController& co
     return OperationReturn();
 }
 
-Common::string WriteSoftResetArrayController::nameImpl() const {
-    return Interface::FlashMod::OPERATION_WRITE_SOFT_RESET_ARRAY_CONTROLLER;
-}
-
-Common::shared_ptr<Core::Filter> WriteSoftResetArrayController::pFilterImpl() const {
-    return Common::shared_ptr<Core::Filter>(new FilterPresence);
-}
-
 OperationReturn WriteToggleActiveRomImage::visit(Schema::ArrayController& controller) {
     OperationReturn result;
     NoTransferControllerCommand<ToggleActiveRomTrait> command;
     DeviceCommandReturn::executeCommand(command, controller, result);
     return result;
-}
-
-Common::string WriteToggleActiveRomImage::nameImpl() const {
-    return Interface::FlashMod::OPERATION_WRITE_TOGGLE_ACTIVE_ROM_IMAGE;
-}
-
-Common::shared_ptr<Core::Filter> WriteToggleActiveRomImage::pFilterImpl() const {
-    return Common::shared_ptr<Core::Filter>(new FilterRecoveryRom);
 }
 
 OperationReturn WriteBackgroundActivity::visit(Schema::ArrayController& controller) {
@@ -70,14 +54,6 @@ OperationReturn WriteBackgroundActivity::visit(Schema::ArrayController& controll
         sendWithDetails<ResumeBackgroundActivityTrait>(controller, details);
     }
     return result;
-}
-
-Common::string WriteBackgroundActivity::nameImpl() const {
-    return Interface::FlashMod::OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE;
-}
-
-Common::shared_ptr<Core::Filter> WriteBackgroundActivity::pFilterImpl() const {
-    return Common::shared_ptr<Core::Filter>(new FilterBackgroundActivity);
 }
 
 }  // namespace Operations

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "core/device_operation.h"
+#include "core/named_operation.h"
+#include "flash/controller_filters.h"
+#include "flash/vocabulary.h"
 #include "storage/schema/visitors.h"
 
 namespace Operations {
@@ -11,57 +13,44 @@ namespace Operations {
 /// Arguments (Interface::FlashMod::ArrayController): ATTR_NAME_BUFFER_ADDRESS, ATTR_NAME_BUFFER_SIZE, and
 /// optionally ATTR_NAME_TOFU, which is obeyed on every controller. A size of 0 is a success that sends
 /// nothing. The image isn't looked at: its validity is the caller's affair and the controller's.
-class WriteFlashArrayControllerFirmware : public Core::DeviceOperation,
-                                          public Schema::VisitorArrayController {
+class WriteFlashArrayControllerFirmware
+    : public Core::NamedOperation<Interface::FlashMod::OPERATION_WRITE_FLASH_ARRAY_CONTROLLER_FIRMWARE,
+                                  Core::DeviceOperation::eWrite, FilterFirmwareLock,
+                                  Schema::VisitorArrayController> {
   public:
-    using Core::DeviceOperation::visit;
     Core::OperationReturn visit(Schema::ArrayController& controller) override;
     /// Offers ATTR_NAME_FIRMWARE_FILE_NAME, and ATTR_NAME_TOFU where the controller can update without
     /// downtime.
     Common::shared_ptr<Core::Capability> getCapabilityPtr(Common::shared_ptr<Core::Device> device) override;
-
-  protected:
-    Common::string nameImpl() const override;
-    EnType eTypeImpl() const override { return eWrite; }
-    Common::shared_ptr<Core::Filter> pFilterImpl() const override;
 };
 
 /// Restarts a controller's firmware. A success whatever the controller says: it may be gone before it
 /// answers.
-class WriteSoftResetArrayController : public Core::DeviceOperation, public Schema::VisitorArrayController {
+class WriteSoftResetArrayController
+    : public Core::NamedOperation<Interface::FlashMod::OPERATION_WRITE_SOFT_RESET_ARRAY_CONTROLLER,
+                                  Core::DeviceOperation::eWrite, FilterPresence,
+                                  Schema::VisitorArrayController> {
   public:
-    using Core::DeviceOperation::visit;
     Core::OperationReturn visit(Schema::ArrayController& controller) override;
-
-  protected:
-    Common::string nameImpl() const override;
-    EnType eTypeImpl() const override { return eWrite; }
-    Common::shared_ptr<Core::Filter> pFilterImpl() const override;
 };
 
 /// Switches between a controller's two ROM images.
-class WriteToggleActiveRomImage : public Core::DeviceOperation, public Schema::VisitorArrayController {
+class WriteToggleActiveRomImage
+    : public Core::NamedOperation<Interface::FlashMod::OPERATION_WRITE_TOGGLE_ACTIVE_ROM_IMAGE,
+                                  Core::DeviceOperation::eWrite, FilterRecoveryRom,
+                                  Schema::VisitorArrayController> {
   public:
-    using Core::DeviceOperation::visit;
     Core::OperationReturn visit(Schema::ArrayController& controller) override;
-
-  protected:
-    Common::string nameImpl() const override;
-    EnType eTypeImpl() const override { return eWrite; }
-    Common::shared_ptr<Core::Filter> pFilterImpl() const override;
 };
 
 /// Pauses or resumes a controller's background activity. Takes ATTR_NAME_BACKGROUND_ACTIVITY_STATE and
 /// optionally ATTR_NAME_DISABLE_HOTPLUG_EVENTS, which is on unless told otherwise.
-class WriteBackgroundActivity : public Core::DeviceOperation, public Schema::VisitorArrayController {
+class WriteBackgroundActivity
+    : public Core::NamedOperation<Interface::FlashMod::OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE,
+                                  Core::DeviceOperation::eWrite, FilterBackgroundActivity,
+                                  Schema::VisitorArrayController> {
   public:
-    using Core::DeviceOperation::visit;
     Core::OperationReturn visit(Schema::ArrayController& controller) override;
-
-  protected:
-    Common::string nameImpl() const override;
-    EnType eTypeImpl() const override { return eWrite; }
-    Common::shared_ptr<Core::Filter> pFilterImpl() const override;
 };
 
 }  // namespace Operations

@@ -1,7 +1,7 @@
 #include "flash/flashmod.h"
 
 #include "command/scsi_status.h"
-#include "core/operation_registry.h"
+#include "core/operation_rows.h"
 #include "flash/controller_operations.h"
 #include "flash/vocabulary.h"
 #include "storage/schema/array_controller.h"
@@ -10,32 +10,19 @@
 namespace Interface::FlashMod {
 namespace {
 
-template <typename Operation>
-Core::DeviceOperationCreatorBase* creatorOf() {
-    return new Core::DeviceOperationCreator<Operation>;
-}
+using Core::creatorOf;
+using Core::operationsOf;
 
-template <typename Kind>
-Core::OperationList& operationsOf() {
-    return Core::DeviceOperationRegistry<Kind>::sm_operations;
-}
-
-/// One operation of one device type, in the order of registration.
-struct OperationRow {
-    char const* deviceType;
-    Core::OperationList& (*operations)();
-    Core::DeviceOperationCreatorBase* (*creator)();
-};
-
-constexpr OperationRow OPERATIONS[] = {
+constexpr Core::OperationRow OPERATIONS[] = {
     {StorageMod::ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
+     OPERATION_WRITE_FLASH_ARRAY_CONTROLLER_FIRMWARE,
      creatorOf<Operations::WriteFlashArrayControllerFirmware>},
     {StorageMod::ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
-     creatorOf<Operations::WriteToggleActiveRomImage>},
+     OPERATION_WRITE_TOGGLE_ACTIVE_ROM_IMAGE, creatorOf<Operations::WriteToggleActiveRomImage>},
     {StorageMod::ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
-     creatorOf<Operations::WriteSoftResetArrayController>},
+     OPERATION_WRITE_SOFT_RESET_ARRAY_CONTROLLER, creatorOf<Operations::WriteSoftResetArrayController>},
     {StorageMod::ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
-     creatorOf<Operations::WriteBackgroundActivity>},
+     OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE, creatorOf<Operations::WriteBackgroundActivity>},
 };
 
 }  // namespace
@@ -46,10 +33,7 @@ void InitializeModule() {
         return;
     }
     isInitialized = true;
-    for (OperationRow const& row : OPERATIONS) {
-        Core::RegisterSchema(row.deviceType, row.operations());
-        Core::RegisterOperation(row.deviceType, row.creator());
-    }
+    Core::RegisterOperationRows(OPERATIONS);
     // Exactly the command status 0xFF: it is no wildcard.
     SCSIStatus::AddStatusDescription(0x00FF, 2, 5, 0x2C, SCSIStatus::ANY_BYTE,
                                      OperationReturn::ATTR_VALUE_STATUS_DEVICE_FLASH_ERROR);

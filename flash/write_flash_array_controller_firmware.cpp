@@ -141,12 +141,4 @@ Common::shared_ptr<Core::Capability> WriteFlashArrayControllerFirmware::getCapab
     return root;
 }
 
-Common::string WriteFlashArrayControllerFirmware::nameImpl() const {
-    return Interface::FlashMod::OPERATION_WRITE_FLASH_ARRAY_CONTROLLER_FIRMWARE;
-}
-
-Common::shared_ptr<Core::Filter> WriteFlashArrayControllerFirmware::pFilterImpl() const {
-    return Common::shared_ptr<Core::Filter>(new FilterFirmwareLock);
-}
-
 }  // namespace Operations

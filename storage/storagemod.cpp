@@ -2,7 +2,7 @@
 
 #include "command/scsi_status.h"
 #include "core/device_factory.h"
-#include "core/operation_registry.h"
+#include "core/operation_rows.h"
 #include "core/tolkmod.h"
 #include "storage/operations/bmic_access.h"
 #include "storage/operations/discover_controllers.h"
@@ -13,47 +13,33 @@
 #include "storage/schema/array_controller.h"
 #include "storage/schema/mod_root.h"
 #include "storage/vocabulary/device_types.h"
+#include "storage/vocabulary/operations.h"
 #include "storage/vocabulary/results.h"
 
 namespace Interface::StorageMod {
 namespace {
 
-using Core::DeviceOperationCreatorBase;
+namespace Root = Interface::TOLKMod::ModRoot;
+using Core::creatorOf;
+using Core::operationsOf;
 
-template <typename Operation>
-DeviceOperationCreatorBase* creatorOf() {
-    return new Core::DeviceOperationCreator<Operation>;
-}
-
-template <typename Kind>
-Core::OperationList& operationsOf() {
-    return Core::DeviceOperationRegistry<Kind>::sm_operations;
-}
-
-/// One operation of one device type. The order is the order of registration.
-struct OperationRow {
-    char const* deviceType;
-    Core::OperationList& (*operations)();
-    DeviceOperationCreatorBase* (*creator)();
-};
-
-constexpr OperationRow OPERATIONS[] = {
-    {Interface::TOLKMod::ModRoot::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>,
+constexpr Core::OperationRow OPERATIONS[] = {
+    {Root::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>, OPERATION_DISCOVER_ARRAY_CONTROLLERS,
      creatorOf<Operations::DiscoverArrayController>},
-    {Interface::TOLKMod::ModRoot::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>,
-     creatorOf<Operations::DiscoverFailedArrayController>},
-    {Interface::TOLKMod::ModRoot::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>,
+    {Root::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>,
+     OPERATION_DISCOVER_FAILED_ARRAY_CONTROLLERS, creatorOf<Operations::DiscoverFailedArrayController>},
+    {Root::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>, OPERATION_DISCOVER_HOST_BUS_ADAPTERS,
      creatorOf<Operations::DiscoverHostBusAdapter>},
-    {Interface::TOLKMod::ModRoot::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>,
-     creatorOf<Operations::WriteAllowedControllerDiscovery>},
-    {Interface::TOLKMod::ModRoot::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>,
+    {Root::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>,
+     OPERATION_WRITE_ALLOWED_CONTROLLER_DISCOVERY, creatorOf<Operations::WriteAllowedControllerDiscovery>},
+    {Root::ATTR_VALUE_TYPE_MOD_ROOT, operationsOf<Schema::ModRoot>, OPERATION_WRITE_SET_CAPABILITY_MASK,
      creatorOf<Operations::WriteSetCapabilityMask>},
     {ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
-     creatorOf<Operations::ReadArrayControllerInfo>},
+     OPERATION_READ_ARRAY_CONTROLLER_INFO, creatorOf<Operations::ReadArrayControllerInfo>},
     {ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
-     creatorOf<Operations::ReadBMICCommand>},
+     OPERATION_READ_BMIC_COMMAND, creatorOf<Operations::ReadBMICCommand>},
     {ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
-     creatorOf<Operations::WriteBMICCommand>},
+     OPERATION_WRITE_BMIC_COMMAND, creatorOf<Operations::WriteBMICCommand>},
 };
 
 /// A command status of 0xFF is no wildcard: these texts stand for exactly that status, and stay so narrow.
@@ -83,10 +69,7 @@ void InitializeModule() {
     }
     isInitialized = true;
     Core::DeviceFactory::SetRootCreator(createRoot);
-    for (OperationRow const& row : OPERATIONS) {
-        Core::RegisterSchema(row.deviceType, row.operations());
-        Core::RegisterOperation(row.deviceType, row.creator());
-    }
+    Core::RegisterOperationRows(OPERATIONS);
     for (StatusRow const& row : STATUSES) {
         SCSIStatus::AddStatusDescription(row.commandStatus, row.scsiStatus, row.senseKey, row.asc,
                                          SCSIStatus::ANY_BYTE, row.text);

@@ -12,7 +12,6 @@
 #include "storage/schema/array_controller.h"
 #include "storage/schema/mod_root.h"
 #include "storage/vocabulary/array_controller.h"
-#include "storage/vocabulary/operations.h"
 
 namespace Operations {
 namespace {
@@ -121,10 +120,6 @@ Core::OperationReturn DiscoverArrayController::visit(Schema::ModRoot& root) {
     return Core::OperationReturn();
 }
 
-Common::string DiscoverArrayController::nameImpl() const {
-    return Interface::StorageMod::OPERATION_DISCOVER_ARRAY_CONTROLLERS;
-}
-
 Core::OperationReturn DiscoverFailedArrayController::visit(Schema::ModRoot& root) {
     StorageAdapterIterator::List const adapters = StorageAdapterIterator().controllersBySlot();
     for (auto handle = adapters.begin(); handle != adapters.end(); ++handle) {
@@ -138,10 +133,6 @@ Core::OperationReturn DiscoverFailedArrayController::visit(Schema::ModRoot& root
         root.receive(device);
     }
     return Core::OperationReturn();
-}
-
-Common::string DiscoverFailedArrayController::nameImpl() const {
-    return Interface::StorageMod::OPERATION_DISCOVER_FAILED_ARRAY_CONTROLLERS;
 }
 
 }  // namespace Operations

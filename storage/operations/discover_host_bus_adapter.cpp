@@ -6,7 +6,6 @@
 #include "storage/schema/mod_root.h"
 #include "storage/vocabulary/array_controller_names.h"
 #include "storage/vocabulary/host_bus_adapter.h"
-#include "storage/vocabulary/operations.h"
 
 namespace Operations {
 namespace {
@@ -90,10 +89,6 @@ Core::OperationReturn DiscoverHostBusAdapter::visit(Schema::ModRoot& root) {
     discoverGroup(root, adapters.csmiAdapters());
     discoverGroup(root, adapters.plainAdapters());
     return Core::OperationReturn();
-}
-
-Common::string DiscoverHostBusAdapter::nameImpl() const {
-    return Interface::StorageMod::OPERATION_DISCOVER_HOST_BUS_ADAPTERS;
 }
 
 }  // namespace Operations

@@ -16,7 +16,6 @@
 #include "storage/operations/write_allowed_controller_discovery.h"
 #include "storage/schema/array_controller.h"
 #include "storage/vocabulary/array_controller.h"
-#include "storage/vocabulary/operations.h"
 
 namespace Operations {
 namespace {
@@ -223,10 +222,6 @@ Core::OperationReturn ReadArrayControllerInfo::visit(Schema::ArrayController& co
         readArrayModeRecords(controller, family, result);
     }
     return result;
-}
-
-Common::string ReadArrayControllerInfo::nameImpl() const {
-    return Interface::StorageMod::OPERATION_READ_ARRAY_CONTROLLER_INFO;
 }
 
 }  // namespace Operations

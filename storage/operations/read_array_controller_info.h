@@ -1,23 +1,22 @@
 #pragma once
 
 #include "command/records/all_records.h"
-#include "core/device_operation.h"
+#include "core/named_operation.h"
 #include "storage/schema/visitors.h"
+#include "storage/vocabulary/operations.h"
 
 namespace Operations {
 
 /// Fills a controller with what its commands tell, and decides its status and state. Runs top-down, and once
 /// more bottom-up for what depends on the devices behind the controller.
-class ReadArrayControllerInfo : public Core::DeviceOperation, public Schema::VisitorArrayController {
+class ReadArrayControllerInfo
+    : public Core::NamedOperation<Interface::StorageMod::OPERATION_READ_ARRAY_CONTROLLER_INFO,
+                                  Core::DeviceOperation::eRead, Core::NullFilter,
+                                  Schema::VisitorArrayController> {
   public:
-    ReadArrayControllerInfo() : DeviceOperation(eUsualAndBottomUp) {}
+    ReadArrayControllerInfo() : NamedOperation(eUsualAndBottomUp) {}
 
-    using Core::DeviceOperation::visit;
     Core::OperationReturn visit(Schema::ArrayController& controller) override;
-
-  protected:
-    Common::string nameImpl() const override;
-    EnType eTypeImpl() const override { return eRead; }
 };
 
 /// Whether discovery may have controllers rescan their buses. Not at the start: a rescan is a message that

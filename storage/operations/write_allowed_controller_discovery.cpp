@@ -5,7 +5,6 @@
 #include "storage/operations/publish.h"
 #include "storage/vocabulary/array_controller.h"
 #include "storage/vocabulary/mod_root.h"
-#include "storage/vocabulary/operations.h"
 
 namespace Operations {
 namespace {
@@ -108,10 +107,6 @@ Common::string WriteAllowedControllerDiscovery::controllerIDTostring(Common::str
 Common::string WriteAllowedControllerDiscovery::controllerNameToFamilyString(Common::string const& name) {
     controllerIDTostring("");
     return textFor(s_ControllerNameToFamily(), name);
-}
-
-Common::string WriteAllowedControllerDiscovery::nameImpl() const {
-    return Names::OPERATION_WRITE_ALLOWED_CONTROLLER_DISCOVERY;
 }
 
 }  // namespace Operations

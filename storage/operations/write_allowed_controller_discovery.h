@@ -2,16 +2,18 @@
 
 #include "common/compound_list.h"
 #include "common/map.h"
-#include "core/device_operation.h"
+#include "core/named_operation.h"
 #include "storage/schema/visitors.h"
+#include "storage/vocabulary/operations.h"
 
 namespace Operations {
 
 /// Says which controllers discovery may bring into the tree: those on a list, or those not on it. Holds for
 /// later discoveries until it is performed again. At the start every controller is allowed.
-class WriteAllowedControllerDiscovery : public Core::DeviceOperation, public Schema::VisitorModRoot {
+class WriteAllowedControllerDiscovery
+    : public Core::NamedOperation<Interface::StorageMod::OPERATION_WRITE_ALLOWED_CONTROLLER_DISCOVERY,
+                                  Core::DeviceOperation::eWrite, Core::NullFilter, Schema::VisitorModRoot> {
   public:
-    using Core::DeviceOperation::visit;
     Core::OperationReturn visit(Schema::ModRoot& root) override;
     Common::shared_ptr<Core::Capability> getCapabilityPtr(Common::shared_ptr<Core::Device> device) override;
 
@@ -21,10 +23,6 @@ class WriteAllowedControllerDiscovery : public Core::DeviceOperation, public Sch
     static Common::string controllerIDTostring(Common::string const& identifier);
     /// Firmware family constant for a name constant; empty for an unknown one.
     static Common::string controllerNameToFamilyString(Common::string const& name);
-
-  protected:
-    Common::string nameImpl() const override;
-    EnType eTypeImpl() const override { return eWrite; }
 
   private:
     static Common::string& s_maskType();

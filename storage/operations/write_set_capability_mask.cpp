@@ -2,7 +2,6 @@
 
 #include "core/tolkmod.h"
 #include "storage/capability_mask.h"
-#include "storage/vocabulary/operations.h"
 
 namespace Operations {
 namespace {
@@ -61,10 +60,6 @@ Core::OperationReturn WriteSetCapabilityMask::visit(Schema::ModRoot&) {
         mask.*row->flag = value == row->enable;
     }
     return Core::OperationReturn();
-}
-
-Common::string WriteSetCapabilityMask::nameImpl() const {
-    return Interface::StorageMod::OPERATION_WRITE_SET_CAPABILITY_MASK;
 }
 
 }  // namespace Operations
