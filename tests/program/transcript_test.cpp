@@ -8,12 +8,11 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdlib>
 #include <ostream>
 #include <regex>
 
 #include "tests/support/package_run.h"
+#include "tests/support/verbose_log.h"
 
 namespace {
 
@@ -77,43 +76,6 @@ Dialogue play(PackageRun const& package, std::vector<std::string> const& argumen
     EXPECT_EQ(next, answers.size()) << "questions that never came; screen:\n" << dialogue.screen;
     dialogue.screen = std::regex_replace(dialogue.screen, std::regex("\r\n"), "\n");
     return dialogue;
-}
-
-/// The verbose log with what differs from run to run replaced by words: the image's address and the time of
-/// day. The list of a device's attributes, which has tests of its own, becomes one line.
-std::string steadyLog(PackageRun const& package) {
-    std::string log = package.verboseLog();
-    log = std::regex_replace(log, std::regex("Setting buffer address to [0-9]+ for 0x[0-9a-f]+"),
-                             "Setting buffer address to ADDRESS for ADDRESS");
-    log = std::regex_replace(log, std::regex("(return code [0-9]): .*\n"), "$1: TIME\n");
-    std::string steady;
-    bool inAttributes = false;
-    for (std::size_t at = 0; at < log.size();) {
-        std::size_t const end = std::min(log.find('\n', at), log.size() - 1) + 1;
-        std::string const line = log.substr(at, end - at);
-        bool const isAttribute = line.compare(0, 3, "   ") == 0 && line.find(" = ") != std::string::npos;
-        if (!isAttribute) {
-            steady += line;
-        } else if (!inAttributes) {
-            steady += "   (attributes)\n";
-        }
-        inAttributes = isAttribute;
-        at = end;
-    }
-    return steady;
-}
-
-/// Compares with the file of that name beside this one. With KSL_REWRITE_LOGS set the file is written anew,
-/// to be read line by line before it is committed.
-void expectVerboseLog(PackageRun const& package, std::string const& name) {
-    std::string const file = std::string(KSL_SOURCE_DIR) + "/tests/program/transcripts/" + name + ".log";
-    std::string const log = steadyLog(package);
-    if (std::getenv("KSL_REWRITE_LOGS") != nullptr) {
-        writeText(file, log);
-        ADD_FAILURE() << "wrote " << file;
-        return;
-    }
-    EXPECT_EQ(log, readText(file)) << file;
 }
 
 /// Without the progress line, which is overwritten in place.
