@@ -41,21 +41,6 @@ class DamagedReplies : public StorageTest {
     }
 };
 
-TEST_F(DamagedReplies, RandomBytes) {
-    make(damagedMachine());
-    for (unsigned run = 0; run < 300; ++run) {
-        SCOPED_TRACE(run);
-        // Every reply of a run is different: a rule for each of the first exchanges, one for all others.
-        std::mt19937 random(run);
-        json rules = json::array();
-        for (unsigned exchange = 1; exchange <= 20; ++exchange)
-            rules.push_back({{"match", {{"exchange", exchange}}}, {"action", {{"random_reply", random()}}}});
-        rules.push_back({{"action", {{"random_reply", random()}}}});
-        discoverWith(rules);
-    }
-    EXPECT_GT(damaged(), 300U * 10);
-}
-
 TEST_F(DamagedReplies, ChangedBytesAndShortReplies) {
     make(damagedMachine());
     for (unsigned run = 0; run < 100; ++run) {
