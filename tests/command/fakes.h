@@ -71,6 +71,7 @@ class Script {
   public:
     Script(std::initializer_list<Answer> answers = {}) : m_answers(answers) {}
 
+    void add(Answer const& answer) { m_answers.push_back(answer); }
     Answer next() {
         if (m_answers.empty()) return {};
         Answer const answer = m_answers.front();
