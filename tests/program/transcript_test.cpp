@@ -105,15 +105,18 @@ std::string steadyLog(PackageRun const& package) {
 
 /// Compares with the file of that name beside this one. With KSL_REWRITE_LOGS set the file is written anew,
 /// to be read line by line before it is committed.
-void expectVerboseLog(PackageRun const& package, std::string const& name) {
-    std::string const file = std::string(KSL_SOURCE_DIR) + "/tests/program/transcripts/" + name + ".log";
-    std::string const log = steadyLog(package);
+void expectTranscript(std::string const& log, std::string const& name) {
+    std::string const file = std::string(KSL_SOURCE_DIR) + "/tests/program/transcripts/" + name;
     if (std::getenv("KSL_REWRITE_LOGS") != nullptr) {
         writeText(file, log);
         ADD_FAILURE() << "wrote " << file;
         return;
     }
     EXPECT_EQ(log, readText(file)) << file;
+}
+
+void expectVerboseLog(PackageRun const& package, std::string const& name) {
+    expectTranscript(steadyLog(package), name + ".log");
 }
 
 /// Without the progress line, which is overwritten in place.
@@ -318,8 +321,7 @@ TEST(VerboseLog, ListsTheAttributesOfAController) {
     std::size_t const start = log.find("Device: VQ Vaultline TR58 Controller\n");
     std::size_t const end = log.find("-----", start);
     ASSERT_NE(end, std::string::npos);
-    EXPECT_EQ(log.substr(start, end - start),
-              readText(std::string(KSL_SOURCE_DIR) + "/tests/program/transcripts/attributes.txt"));
+    expectTranscript(log.substr(start, end - start), "attributes.txt");
 }
 
 }  // namespace
