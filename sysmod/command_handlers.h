@@ -40,6 +40,7 @@ class SCSICommandHandler {
 struct PassthruStatus {
     std::uint8_t scsiStatus = 0;
     std::uint16_t commandStatus = 0;
+    std::uint32_t residual = 0;  ///< bytes of the buffer that weren't moved
 };
 
 /// The controller family's pass-through (constructed with true) and CSMI proper (constructed with false).

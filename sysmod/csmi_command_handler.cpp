@@ -63,6 +63,7 @@ void fillCommand(XqrthCommand& command, std::uint8_t const (&address)[8], DataSp
 void takeReply(XqrthCommand const& command, DataSpan sense, PassthruStatus& status) {
     status.scsiStatus = command.scsiStatus;
     status.commandStatus = command.commandStatus;
+    status.residual = command.residual;
     if (sense.bytes != nullptr) {
         std::memcpy(sense.bytes, command.sense, std::min<std::size_t>(sense.size, sizeof command.sense));
     }

@@ -55,6 +55,9 @@ enum class EnDeviceType : unsigned char {
     Other = 8
 };
 
+/// The text of slot 21 for a code: "UNKNOWN" for any other than the four.
+char const* toText(EnDeviceType code);
+
 /// Where a CSMI pass-through goes: a phy of the adapter and the SAS address behind it.
 struct CSMIAddress {
     std::uint8_t phy = 0;
