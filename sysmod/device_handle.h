@@ -25,8 +25,8 @@ enum Property : unsigned {
     PciLocation = 10,       ///< domain, bus, device and function as the kernel writes them
     PciLocationAgain = 11,  ///< the same text
     DriverVersion = 12,
-    FastPath = 13,  ///< "NO", "YES:ENABLED" or "YES:DISABLED"
-    SecondNode = 14,
+    FastPath = 13,      ///< "NO", "YES:ENABLED" or "YES:DISABLED"
+    SerialNumber = 14,  ///< of an adapter that tells it
     Description = 15,
     DescriptionAgain = 16,
     IdentityBytes = 17,  ///< unique identity bytes of a device, hexadecimal text
