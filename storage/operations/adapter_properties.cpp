@@ -16,9 +16,6 @@ namespace {
 constexpr char SLOT_PREFIX[] = "S:";
 constexpr unsigned SLOT_PREFIX_LENGTH = 2;
 
-/// A CSMI adapter has no second node. In that place stands the serial number of its configuration.
-constexpr unsigned CSMI_SERIAL_NUMBER = Core::SysMod::SecondNode;
-
 /// A location text, or nothing when it says that there is none.
 Common::string knownText(Common::string const& text) {
     return text == "UNKNOWN" || text == "NA" ? Common::string() : text;
@@ -66,9 +63,7 @@ AdapterProperties::AdapterProperties(Common::string const& adapterHandle)
     slot = slotText(table[AdapterSlot]);
     firmwareVersion = table[FirmwareVersion];
     romVersion = table[RomVersion];
-    if (kind == CSMI_ADAPTER) {
-        serialNumber = table[CSMI_SERIAL_NUMBER].Trim();
-    }
+    serialNumber = table[SerialNumber];
     unsigned numbers[4] = {};
     if (std::sscanf(table[PciLocation].c_str(), "%8x:%2x:%2x.%2x", &numbers[0], &numbers[1], &numbers[2],
                     &numbers[3]) == 4) {

@@ -27,7 +27,7 @@ struct AdapterProperties {
     Common::string slot;  ///< empty when not known
     Common::string firmwareVersion;
     Common::string romVersion;
-    Common::string serialNumber;  ///< of a CSMI adapter; empty when not told
+    Common::string serialNumber;  ///< empty when not told
 
     /// Domain, bus, device and function are all known.
     bool hasPciLocation() const;
