@@ -14,13 +14,8 @@
 /// What the operations that turn records into attributes share.
 namespace Operations {
 
+using Schema::decimalText;
 using Schema::publish;
-
-inline Common::string decimalText(unsigned long long value) {
-    char text[24];
-    std::snprintf(text, sizeof text, "%llu", value);
-    return text;
-}
 
 /// A number of a record that its command leaves in wire order.
 template <typename Number>
