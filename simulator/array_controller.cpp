@@ -187,6 +187,12 @@ Reply ArrayController::senseSurfaceStatus(Command const&) {
 Reply ArrayController::senseMnpStatus(Command const&) {
     return answer(m_records.mnpStatus());
 }
+Reply ArrayController::boardPower(Command const&) {
+    return answer(m_records.boardPower());
+}
+Reply ArrayController::powerMode(Command const&) {
+    return answer(m_records.powerMode());
+}
 
 Reply ArrayController::senseLogicalDriveConfiguration(Command const& command) {
     return answer(m_records.logicalDriveConfiguration(unitOf(command)));

@@ -57,6 +57,8 @@ class ArrayController : public Device {
     Reply senseSurfaceStatus(Command const&);
     Reply senseMnpStatus(Command const&);
     Reply senseEncryption(Command const& command);
+    Reply boardPower(Command const&);
+    Reply powerMode(Command const&);
     Reply pause(Command const& command);
     Reply resume(Command const& command);
     Reply freeCollected(Command const&);

@@ -58,8 +58,8 @@ constexpr Controller::Management COMMANDS[] = {
     {0xD2, "COLLECT BUFFER", Direction::Out, CHUNK_TIME, &Controller::collect},
     {0xD3, "FREE COLLECTED BUFFER", Direction::None, SHORT, &Controller::freeCollected},
     {0xE5, "SENSE DRIVE ERASE PROGRESS", Direction::In, SHORT, nullptr},
-    {0xED, "GET TOTAL BOARD POWER", Direction::In, SHORT, nullptr},
-    {0xEE, "GET POWER MODE", Direction::In, SHORT, nullptr},
+    {0xED, "GET TOTAL BOARD POWER", Direction::In, SHORT, &Controller::boardPower},
+    {0xEE, "GET POWER MODE", Direction::In, SHORT, &Controller::powerMode},
     {0xF7, "FLASH CONTROLLER FIRMWARE", Direction::None, FLASH_TIME, &Controller::flash},
     {0xFC, "TOGGLE ACTIVE ROM", Direction::None, SHORT, &Controller::toggleRom},
 };

@@ -8,9 +8,9 @@ namespace simulator {
 namespace {
 
 constexpr char const* RECORD_KEYS[] = {
-    "identify", "subsystem",    "controller_parameters", "redundant_parameters",
-    "cache",    "cache_module", "surface_status",        "mnp_status"};
-constexpr unsigned ENCRYPTION_PAGES[] = {1, 3, 6, 7, 8, 9, 10};
+    "identify",    "subsystem",    "controller_parameters", "redundant_parameters",
+    "cache",       "cache_module", "surface_status",        "mnp_status",
+    "board_power", "power_mode"};
 constexpr std::size_t MOST_LOGICAL_DRIVES = 1024;
 constexpr std::size_t LARGEST_RECORD = 65536;
 
@@ -71,13 +71,13 @@ ControllerRecords::ControllerRecords(Object const& device, Facts facts) : m_fact
         bool const off = encryption->json() == "off";
         if (!off)
             for (auto const& [key, value] : Object(*encryption).all()) {
-                auto const* const page =
-                    std::find_if(std::begin(ENCRYPTION_PAGES), std::end(ENCRYPTION_PAGES),
-                                 [&, &name = key](unsigned p) { return std::to_string(p) == name; });
-                if (page == std::end(ENCRYPTION_PAGES))
+                auto const page = std::find_if(
+                    ENCRYPTION_PAGES.begin(), ENCRYPTION_PAGES.end(),
+                    [&, &name = key](EncryptionPage const& p) { return std::to_string(p.number) == name; });
+                if (page == ENCRYPTION_PAGES.end())
                     throw ScenarioError(value.where() + ": found page \"" + key +
                                         "\", expected 1, 3, 6, 7, 8, 9 or 10");
-                m_encryptionPages[*page] = {value.json(), value.where()};
+                m_encryptionPages[page->number] = {value.json(), value.where()};
             }
     }
     checkAll();
@@ -97,8 +97,10 @@ void ControllerRecords::checkAll() const {
         logicalDriveConfiguration(drive);
         identifyLogicalDrive(drive);
     }
-    for (unsigned const page : ENCRYPTION_PAGES)
-        encryptionPage(page);
+    boardPower();
+    powerMode();
+    for (EncryptionPage const& page : ENCRYPTION_PAGES)
+        encryptionPage(page.number);
 }
 
 /// Applies what the scenario sets. A record that announces a greater length than it has is that long.
@@ -239,14 +241,25 @@ Bytes ControllerRecords::identifyLogicalDrive(unsigned drive) const {
     return finish(IDENTIFY_LOGICAL_DRIVE, record.take(), m_logicalDrives[drive].identify);
 }
 
-std::optional<Bytes> ControllerRecords::encryptionPage(unsigned page) const {
-    if (std::find(std::begin(ENCRYPTION_PAGES), std::end(ENCRYPTION_PAGES), page) ==
-        std::end(ENCRYPTION_PAGES))
-        return std::nullopt;
-    Bytes record(ENCRYPTION_PAGE.size, 0);
-    auto const found = m_encryptionPages.find(page);
-    return found == m_encryptionPages.end() ? record
-                                            : finish(ENCRYPTION_PAGE, std::move(record), found->second);
+Bytes ControllerRecords::boardPower() const {
+    Filler record(BOARD_POWER);
+    record.number("dwTotalBoardPower", 14);
+    return finish(BOARD_POWER, record.take(), m_overrides.at("board_power"));
+}
+
+Bytes ControllerRecords::powerMode() const {
+    Filler record(POWER_MODE);
+    record.number("bSupportedPowerModes", 1);
+    return finish(POWER_MODE, record.take(), m_overrides.at("power_mode"));
+}
+
+std::optional<Bytes> ControllerRecords::encryptionPage(unsigned number) const {
+    auto const page = std::find_if(ENCRYPTION_PAGES.begin(), ENCRYPTION_PAGES.end(),
+                                   [&](EncryptionPage const& each) { return each.number == number; });
+    if (page == ENCRYPTION_PAGES.end()) return std::nullopt;
+    Bytes record(page->layout.size, 0);
+    auto const found = m_encryptionPages.find(number);
+    return found == m_encryptionPages.end() ? record : finish(page->layout, std::move(record), found->second);
 }
 
 }  // namespace simulator

@@ -37,6 +37,8 @@ class ControllerRecords {
     Bytes cacheConfiguration(unsigned unit) const;
     Bytes surfaceStatus() const;
     Bytes mnpStatus() const;
+    Bytes boardPower() const;
+    Bytes powerMode() const;
     /// A record of zeros but for its lengths when there is no such drive.
     Bytes logicalDriveConfiguration(unsigned drive) const;
     Bytes identifyLogicalDrive(unsigned drive) const;

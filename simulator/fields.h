@@ -48,10 +48,16 @@ extern RecordLayout const MANAGED_CABLE;
 extern RecordLayout const CACHE_CONFIGURATION;
 extern RecordLayout const CONTROLLER_PARAMETERS;
 extern RecordLayout const REDUNDANT_PARAMETERS;
-/// No named members: set by offset only.
 extern RecordLayout const SURFACE_STATUS;
 extern RecordLayout const MNP_STATUS;
-extern RecordLayout const ENCRYPTION_PAGE;
+extern RecordLayout const BOARD_POWER;
+extern RecordLayout const POWER_MODE;
+/// The encryption status pages: their numbers and layouts.
+struct EncryptionPage {
+    unsigned number;
+    RecordLayout layout;
+};
+extern std::span<EncryptionPage const> const ENCRYPTION_PAGES;
 
 /// Null when there is no member of that name.
 Field const* findField(RecordLayout const& layout, std::string_view name);

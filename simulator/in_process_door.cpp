@@ -97,10 +97,6 @@ bool InProcessDoor::readLink(std::string const& path, std::string& target) {
     return SystemCalls::readLink(hostPath(path), target);
 }
 
-bool InProcessDoor::exists(std::string const& path) {
-    return SystemCalls::exists(hostPath(path));
-}
-
 std::size_t InProcessDoor::openNodes() {
     std::lock_guard const guard(m_mutex);
     return m_nodes.size();

@@ -30,7 +30,6 @@ class InProcessDoor : public Core::SysMod::SystemCalls {
     bool readFirstLine(std::string const& path, std::string& line) override;
     bool readFile(std::string const& path, std::string& contents, std::size_t limit) override;
     bool readLink(std::string const& path, std::string& target) override;
-    bool exists(std::string const& path) override;
 
     /// Nodes that are open now; 0 after a well-behaved run.
     std::size_t openNodes();

@@ -1,4 +1,4 @@
-/// Layouts of the records on logical drives, cache and surface scans: offset, size, kind, name. All numbers
+/// Layouts of the records on logical drives and cache: offset, size, kind, name. All numbers
 /// are little-endian.
 
 #include "simulator/fields.h"
@@ -157,8 +157,5 @@ constinit RecordLayout const LOGICAL_DRIVE_CONFIGURATION = {"logical drive confi
 constinit RecordLayout const IDENTIFY_LOGICAL_DRIVE = {"identify logical drive", 512,
                                                        identifyLogicalDriveFields};
 constinit RecordLayout const CACHE_CONFIGURATION = {"cache configuration", 512, cacheConfigurationFields};
-constinit RecordLayout const SURFACE_STATUS = {"surface status", 1536, {}};
-constinit RecordLayout const MNP_STATUS = {"mnp status", 512, {}};
-constinit RecordLayout const ENCRYPTION_PAGE = {"encryption page", 512, {}};
 
 }  // namespace simulator

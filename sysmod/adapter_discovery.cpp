@@ -92,9 +92,16 @@ ControllerNode findGenericNode(std::string const& directory, int depth) {
 }
 
 ControllerNode findController(PciFunction const& function) {
-    return function.type == EnStorageAdapterType::BlockDriverController
-               ? findBlockDriverNode(function)
-               : findGenericNode(function.directory, SEARCH_DEPTH);
+    switch (function.type) {
+        case EnStorageAdapterType::BlockDriverController:
+            return findBlockDriverNode(function);
+        case EnStorageAdapterType::GenericDriverController:
+            return findGenericNode(function.directory, SEARCH_DEPTH);
+        case EnStorageAdapterType::SasAdapter:
+            break;
+    }
+    // A device of the controller's type behind a SAS adapter is an external array's, not the adapter itself.
+    return {};
 }
 
 /// Confirms a controller by INQUIRY. True when it answered.

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "sysmod/csmi_phy_records.h"
 #include "sysmod/device_handle.h"
 #include "sysmod/kernel_records.h"
 #include "sysmod/open_device_node.h"
@@ -40,6 +41,7 @@ class SCSICommandHandler {
 struct PassthruStatus {
     std::uint8_t scsiStatus = 0;
     std::uint16_t commandStatus = 0;
+    std::uint32_t residual = 0;  ///< bytes of the buffer that weren't moved
 };
 
 /// The controller family's pass-through (constructed with true) and CSMI proper (constructed with false).
@@ -68,6 +70,15 @@ class CSMICommandHandler {
                                     DataSpan data, std::uint32_t& dataLength, DataSpan sense,
                                     std::uint8_t& scsiStatus);
 
+    /// What the adapter's phys are attached to. Fills `record`; `returnCode` is the header's.
+    bool SendPhyInfoCommand(OpenDeviceNode const& node, CsmiPhyInfo& record, std::uint32_t& returnCode);
+
+    /// One SMP request frame (without its CRC, at most CsmiSmpPassthru::FRAME bytes) to an expander.
+    /// `response` receives what the expander returned, zero behind it; its size comes back as the number of
+    /// bytes returned.
+    bool SendSMPPassthruCommand(OpenDeviceNode const& node, CSMIAddress const& address, DataSpan frame,
+                                DataSpan& response, std::uint32_t& returnCode);
+
     /// Pauses (0xCC770031) or resumes (0xCC770032) the background activity of a device.
     bool SendPauseBackgroundActivityCommand(OpenDeviceNode const& node, CSMIAddress const& address,
                                             bool pause);
@@ -88,6 +99,15 @@ class CSMICommandHandler {
     bool isControllerPassthru() const { return m_controllerPassthru; }
 
   private:
+    bool carryCommand(OpenDeviceNode const& node, std::uint8_t const (&address)[8],
+                      Interface::SysMod::Command::EnTransferType transferType, DataSpan block,
+                      std::uint32_t timeout, DataSpan data, DataSpan sense, PassthruStatus& status);
+    bool carryMessage(OpenDeviceNode const& node, std::uint8_t const (&address)[8],
+                      Interface::SysMod::Command::EnTransferType transferType, DataSpan block,
+                      std::uint32_t timeout, std::uint16_t& commandStatus);
+    bool carrySSP(OpenDeviceNode const& node, CSMIAddress const& address,
+                  Interface::SysMod::Command::EnTransferType transferType, DataSpan block, DataSpan data,
+                  std::uint32_t& dataLength, DataSpan sense, std::uint8_t& scsiStatus);
     bool sendReplyRequest(OpenDeviceNode const& node, unsigned long request, std::uint32_t size,
                           std::uint32_t& returnCode);
 

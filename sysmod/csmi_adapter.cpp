@@ -19,6 +19,8 @@ constexpr char CSMI_NODE[] = "/dev/mpt2ctl:";
 constexpr unsigned CONFIG_BOARD_ID = 32;
 constexpr unsigned CONFIG_SLOT_NUMBER = 36;
 constexpr unsigned CONFIG_PCI_BUS = 40;
+constexpr unsigned CONFIG_SERIAL_NUMBER = 72;
+constexpr unsigned CONFIG_SERIAL_NUMBER_SIZE = 81;
 constexpr unsigned CONFIG_FIRMWARE_REVISION = 154;
 constexpr unsigned CONFIG_ROM_REVISION = 162;
 constexpr unsigned DRIVER_REVISION = 182;
@@ -49,6 +51,15 @@ Common::string revision(unsigned char const* reply, unsigned offset) {
                   static_cast<unsigned>(word(reply, offset + 4)),
                   static_cast<unsigned>(word(reply, offset + 6)));
     return text;
+}
+
+/// A text that may fill its whole field. What can't be printed would break the handle's texts apart.
+Common::string printableText(unsigned char const* reply, unsigned offset, unsigned size) {
+    std::string text;
+    for (unsigned i = offset; i < offset + size && reply[i] != 0; ++i) {
+        text += reply[i] >= ' ' && reply[i] < 0x7F ? static_cast<char>(reply[i]) : ' ';
+    }
+    return Common::string(text.c_str()).Trim();
 }
 
 Common::string adapterStatus(OpenDeviceNode const& node) {
@@ -122,6 +133,7 @@ void discoverCsmiAdapters(Interface::SysMod::Discovery::HandleList& adapters) {
             std::snprintf(text, sizeof text, "S:%u", static_cast<unsigned>(slot));
             table[AdapterSlot] = text;
         }
+        table[SerialNumber] = printableText(reply, CONFIG_SERIAL_NUMBER, CONFIG_SERIAL_NUMBER_SIZE);
         table[FirmwareVersion] = revision(reply, CONFIG_FIRMWARE_REVISION);
         table[RomVersion] = revision(reply, CONFIG_ROM_REVISION);
         table[AdapterStatus] = adapterStatus(node);

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <memory>
+#include <new>
 
 #include "common/debug_logger.h"
 #include "sysmod/command_handlers.h"
@@ -11,62 +13,6 @@ namespace Core::SysMod {
 using Interface::SysMod::Command::EnTransferType;
 
 namespace {
-
-// Type byte of the pass-through: request type in bits 0 to 2, simple attribute (4) in bits 3 to 5, direction
-// in bits 6 and 7.
-constexpr unsigned char DIRECTION_NONE = 0;
-constexpr unsigned char DIRECTION_WRITE = 1;
-constexpr unsigned char DIRECTION_READ = 2;
-constexpr unsigned char COMMAND_SIMPLE = 0x20;
-constexpr unsigned char MESSAGE_READ = 0xA1;
-constexpr unsigned char MESSAGE_WRITE = 0x61;
-constexpr unsigned char MESSAGE_NONE = 0x21;
-
-constexpr std::uint32_t TIMEOUT_FLOOR = 30;
-constexpr std::uint32_t TIMEOUT_CEILING = 600;
-
-/// From this size on the small record's 16-bit buffer size must not be used.
-constexpr std::uint32_t BIG_TRANSFER = 128000;
-constexpr std::uint32_t CHUNKS = 31;
-constexpr std::uint32_t CHUNK_UNIT = 1024;
-
-unsigned char directionOf(EnTransferType transferType) {
-    switch (transferType) {
-        case EnTransferType::Out:
-        case EnTransferType::InOut:
-            return DIRECTION_WRITE;
-        case EnTransferType::In:
-            return DIRECTION_READ;
-        default:
-            return DIRECTION_NONE;
-    }
-}
-
-std::uint32_t chunkSizeFor(std::uint32_t size) {
-    std::uint32_t const share = size / CHUNKS;
-    std::uint32_t const units = share / CHUNK_UNIT + (share % CHUNK_UNIT != 0 ? 1 : 0);
-    return std::max<std::uint32_t>(units, 1) * CHUNK_UNIT;
-}
-
-void fillCommand(XqrthCommand& command, std::uint8_t const (&address)[8], DataSpan block, unsigned char type,
-                 std::uint32_t timeout) {
-    std::memcpy(command.address, address, sizeof command.address);
-    std::uint32_t const length = std::min<std::uint32_t>(block.size, sizeof command.block);
-    command.blockLength = static_cast<std::uint8_t>(length);
-    command.type = type;
-    command.timeout = static_cast<std::uint16_t>(std::clamp(timeout, TIMEOUT_FLOOR, TIMEOUT_CEILING));
-    if (block.bytes != nullptr) {
-        std::memcpy(command.block, block.bytes, length);
-    }
-}
-
-void takeReply(XqrthCommand const& command, DataSpan sense, PassthruStatus& status) {
-    status.scsiStatus = command.scsiStatus;
-    status.commandStatus = command.commandStatus;
-    if (sense.bytes != nullptr) {
-        std::memcpy(sense.bytes, command.sense, std::min<std::size_t>(sense.size, sizeof command.sense));
-    }
-}
 
 // Flags of the CSMI SSP pass-through.
 constexpr std::uint32_t SSP_READ = 1;
@@ -89,92 +35,37 @@ std::uint32_t sspFlags(EnTransferType transferType) {
 
 constexpr std::uint8_t IGNORE_PORT = 0xFF;
 constexpr std::uint8_t SENSE_DATA_PRESENT = 2;
-constexpr std::size_t SPARE_BYTES = 20;
+constexpr std::uint32_t SPARE_BYTES = 20;
 
 }  // namespace
-
-bool CSMICommandHandler::SendQRTHPassthruCommand(OpenDeviceNode const& node, std::uint8_t const (&address)[8],
-                                                 EnTransferType transferType, DataSpan block,
-                                                 std::uint32_t timeout, DataSpan data, DataSpan sense,
-                                                 PassthruStatus& status) {
-    if (!node.isOpen()) {
-        m_lowLevelError = node.openError();
-        return false;
-    }
-    m_lowLevelError = 0;
-    unsigned char direction = directionOf(transferType);
-    if (data.size >= BIG_TRANSFER) {
-        XqrthBigPassthru<unsigned char*> record = {};
-        fillCommand(record.command, address, block,
-                    static_cast<unsigned char>(direction << 6 | COMMAND_SIMPLE), timeout);
-        record.chunkSize = chunkSizeFor(data.size);
-        record.bufferSize = data.size;
-        record.buffer = data.bytes;
-        if (!SCSICommandHandler::SendIOCTL(node.descriptor(), XQRTH_BIG_PASSTHRU<unsigned char*>, &record,
-                                           m_lowLevelError)) {
-            return false;
-        }
-        takeReply(record.command, sense, status);
-        return true;
-    }
-    if (data.size > UINT16_MAX) {
-        // The border between the two records lies at 128,000 bytes although the small one counts in 16 bits.
-        // It stays there: drivers in the field expect the small record up to it. What the record can't tell
-        // is at least told here.
-        Common::DebugLogger::LogCommand("Pass-through of %u bytes: the record's buffer size holds at most %u",
-                                        static_cast<unsigned>(data.size), static_cast<unsigned>(UINT16_MAX));
-    }
-    if (data.size == 0) {
-        direction = DIRECTION_NONE;
-    }
-    XqrthPassthru<unsigned char*> record = {};
-    fillCommand(record.command, address, block, static_cast<unsigned char>(direction << 6 | COMMAND_SIMPLE),
-                timeout);
-    record.bufferSize = static_cast<std::uint16_t>(data.size);
-    record.buffer = data.bytes;
-    if (!SCSICommandHandler::SendIOCTL(node.descriptor(), XQRTH_PASSTHRU<unsigned char*>, &record,
-                                       m_lowLevelError)) {
-        return false;
-    }
-    takeReply(record.command, sense, status);
-    return true;
-}
-
-bool CSMICommandHandler::SendQRTHPassthruMessage(OpenDeviceNode const& node, std::uint8_t const (&address)[8],
-                                                 EnTransferType transferType, DataSpan block,
-                                                 std::uint32_t timeout, std::uint16_t& commandStatus) {
-    if (!node.isOpen()) {
-        m_lowLevelError = node.openError();
-        return false;
-    }
-    m_lowLevelError = 0;
-    unsigned char type = MESSAGE_NONE;
-    if (transferType == EnTransferType::MessageIn) {
-        type = MESSAGE_READ;
-    } else if (transferType == EnTransferType::MessageOut) {
-        type = MESSAGE_WRITE;
-    }
-    unsigned char data[1] = {};
-    XqrthPassthru<unsigned char*> record = {};
-    fillCommand(record.command, address, block, type, timeout);
-    record.bufferSize = sizeof data;
-    record.buffer = data;
-    if (!SCSICommandHandler::SendIOCTL(node.descriptor(), XQRTH_PASSTHRU<unsigned char*>, &record,
-                                       m_lowLevelError)) {
-        return false;
-    }
-    commandStatus = record.command.commandStatus;
-    return true;
-}
 
 bool CSMICommandHandler::SendCSMISSPPassthruCommand(OpenDeviceNode const& node, CSMIAddress const& address,
                                                     EnTransferType transferType, DataSpan block,
                                                     DataSpan data, std::uint32_t& dataLength, DataSpan sense,
                                                     std::uint8_t& scsiStatus) {
+    CommandLog::SspLines const lines(address, transferType, data.size, sense.size);
+    bool const sent = carrySSP(node, address, transferType, block, data, dataLength, sense, scsiStatus);
+    lines.end(sent, dataLength, scsiStatus, m_lowLevelError);
+    return sent;
+}
+
+bool CSMICommandHandler::carrySSP(OpenDeviceNode const& node, CSMIAddress const& address,
+                                  EnTransferType transferType, DataSpan block, DataSpan data,
+                                  std::uint32_t& dataLength, DataSpan sense, std::uint8_t& scsiStatus) {
     bool const isOut = transferType == EnTransferType::Out || transferType == EnTransferType::InOut;
     bool const isIn = transferType == EnTransferType::In || transferType == EnTransferType::InOut;
+    if (data.size > UINT32_MAX - CSMI_SSP_FIXED_SIZE - SPARE_BYTES) {
+        Common::DebugLogger::LogCommand(
+            "SSP pass-through of %u bytes refused: at most %u expected", data.size,
+            static_cast<unsigned>(UINT32_MAX - CSMI_SSP_FIXED_SIZE - SPARE_BYTES));
+        return false;
+    }
     std::uint32_t const size = CSMI_SSP_FIXED_SIZE + data.size;
-    auto const record = std::make_unique<unsigned char[]>(size + SPARE_BYTES);
+    std::unique_ptr<unsigned char[]> const record(new (std::nothrow) unsigned char[size + SPARE_BYTES]());
+    if (!record) {
+        m_lowLevelError = ENOMEM;
+        return false;
+    }
     CsmiSspPassthru fixed = {};
     fixed.phyIdentifier = address.phy;
     fixed.portIdentifier = IGNORE_PORT;
@@ -213,6 +104,34 @@ bool CSMICommandHandler::SendCSMISSPPassthruCommand(OpenDeviceNode const& node, 
         std::memcpy(sense.bytes, fixed.response,
                     std::min({length, static_cast<std::size_t>(sense.size), sizeof fixed.response}));
     }
+    return true;
+}
+
+bool CSMICommandHandler::SendPhyInfoCommand(OpenDeviceNode const& node, CsmiPhyInfo& record,
+                                            std::uint32_t& returnCode) {
+    record = {};
+    return SendCSMICommand(node, CSMI_GET_PHY_INFO, reinterpret_cast<unsigned char*>(&record), sizeof record,
+                           returnCode);
+}
+
+bool CSMICommandHandler::SendSMPPassthruCommand(OpenDeviceNode const& node, CSMIAddress const& address,
+                                                DataSpan frame, DataSpan& response,
+                                                std::uint32_t& returnCode) {
+    CsmiSmpPassthru record = {};
+    record.phyIdentifier = address.phy;
+    record.portIdentifier = IGNORE_PORT;
+    std::memcpy(record.destination, address.sasAddress, sizeof record.destination);
+    record.requestLength = std::min<std::uint32_t>(frame.size, CsmiSmpPassthru::FRAME);
+    std::memcpy(record.request, frame.bytes, record.requestLength);
+    if (!SendCSMICommand(node, CSMI_SMP_PASSTHRU, reinterpret_cast<unsigned char*>(&record), sizeof record,
+                         returnCode)) {
+        return false;
+    }
+    std::uint32_t const room = response.size;
+    response.size =
+        std::min({record.responseBytes, room, static_cast<std::uint32_t>(CsmiSmpPassthru::FRAME)});
+    std::memset(response.bytes, 0, room);
+    std::memcpy(response.bytes, record.response, response.size);
     return true;
 }
 

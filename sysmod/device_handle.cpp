@@ -163,6 +163,15 @@ EnDeviceType getDeviceType(Common::string const& handle) {
     return EnDeviceType::Other;
 }
 
+char const* toText(EnDeviceType code) {
+    for (DeviceTypeText const& row : DEVICE_TYPES) {
+        if (code == row.code) {
+            return row.text;
+        }
+    }
+    return "UNKNOWN";
+}
+
 bool isCellBasedSystem() {
     return false;
 }

@@ -25,8 +25,8 @@ enum Property : unsigned {
     PciLocation = 10,       ///< domain, bus, device and function as the kernel writes them
     PciLocationAgain = 11,  ///< the same text
     DriverVersion = 12,
-    FastPath = 13,  ///< "NO", "YES:ENABLED" or "YES:DISABLED"
-    SecondNode = 14,
+    FastPath = 13,      ///< "NO", "YES:ENABLED" or "YES:DISABLED"
+    SerialNumber = 14,  ///< of an adapter that tells it
     Description = 15,
     DescriptionAgain = 16,
     IdentityBytes = 17,  ///< unique identity bytes of a device, hexadecimal text
@@ -54,6 +54,9 @@ enum class EnDeviceType : unsigned char {
     Sep = 6,
     Other = 8
 };
+
+/// The text of slot 21 for a code: "UNKNOWN" for any other than the four.
+char const* toText(EnDeviceType code);
 
 /// Where a CSMI pass-through goes: a phy of the adapter and the SAS address behind it.
 struct CSMIAddress {

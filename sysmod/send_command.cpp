@@ -90,30 +90,18 @@ bool sendByCSMI(OpenDeviceNode const& node, Common::string const& route, SCSIReq
 
 bool SendSCSICommandEx(OpenDeviceNode const& node, Common::string const (&table)[PROPERTY_COUNT],
                        SCSIRequest& request) {
-    bool const logged = CommandLog::CheckCommandLogActive();
+    CommandLog::SCSILines const lines(request);
     Common::string const& route = table[Route];
     Common::string const kind = routeKind(route);
     bool sent = false;
-    if (route.empty() || kind == "QRTH" || kind == "BMIC") {
-        char const* const prefix = route.empty() ? "SCSI" : "SCSIPT";
-        if (logged) {
-            CommandLog::beginSCSI(prefix, request);
-        }
-        sent = route.empty() ? sendByNode(node, request) : sendByController(node, route, request);
-        if (logged) {
-            CommandLog::endSCSI(prefix, request, sent);
-        }
+    if (route.empty()) {
+        sent = sendByNode(node, request);
+    } else if (kind == "QRTH" || kind == "BMIC") {
+        sent = sendByController(node, route, request);
     } else if (kind == "CSMI") {
-        Common::string const subject = CommandLog::csmiSubject(getPhyIdentifier(toDeviceInfo(table)),
-                                                               getSasAddress(toDeviceInfo(table)));
-        if (logged) {
-            CommandLog::beginCSMI(subject, request);
-        }
         sent = sendByCSMI(node, route, request);
-        if (logged) {
-            CommandLog::endCSMI(subject, request, sent);
-        }
     }
+    lines.end(sent, request);
     return sent;
 }
 
@@ -123,16 +111,11 @@ bool SendBMICCommandEx(OpenDeviceNode const& node, Common::string const (&table)
     if (routeKind(table[Route]) != "QRTH" || !parseLogicalUnitAddress(table[Route], address)) {
         return false;
     }
-    bool const logged = CommandLog::CheckCommandLogActive();
-    if (logged) {
-        CommandLog::beginBMIC(request);
-    }
+    CommandLog::BMICLines const lines(request);
     BMICCommandHandler handler;
     bool const sent = handler.SendBMICCommand(node, address, request);
     request.lowLevelStatus = handler.lowLevelError();
-    if (logged) {
-        CommandLog::endBMIC(request, sent);
-    }
+    lines.end(sent);
     return sent;
 }
 

@@ -75,10 +75,6 @@ bool SystemCalls::readLink(std::string const& path, std::string& target) {
     return true;
 }
 
-bool SystemCalls::exists(std::string const& path) {
-    return ::access(path.c_str(), F_OK) == 0;
-}
-
 SystemCalls& systemCalls() {
     static SystemCalls real;
     SystemCalls* const replacement = replacementInForce().load();

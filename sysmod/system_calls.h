@@ -27,8 +27,6 @@ class SystemCalls {
     virtual bool readFile(std::string const& path, std::string& contents, std::size_t limit);
     /// Target text of a symbolic link. False when `path` isn't one.
     virtual bool readLink(std::string const& path, std::string& target);
-    /// Whether `path` exists, links followed.
-    virtual bool exists(std::string const& path);
 };
 
 /// The system calls in force: the real ones unless replaced.

@@ -63,6 +63,7 @@ AdapterProperties::AdapterProperties(Common::string const& adapterHandle)
     slot = slotText(table[AdapterSlot]);
     firmwareVersion = table[FirmwareVersion];
     romVersion = table[RomVersion];
+    serialNumber = table[SerialNumber];
     unsigned numbers[4] = {};
     if (std::sscanf(table[PciLocation].c_str(), "%8x:%2x:%2x.%2x", &numbers[0], &numbers[1], &numbers[2],
                     &numbers[3]) == 4) {

@@ -27,10 +27,14 @@ struct AdapterProperties {
     Common::string slot;  ///< empty when not known
     Common::string firmwareVersion;
     Common::string romVersion;
+    Common::string serialNumber;  ///< empty when not told
 
     /// Domain, bus, device and function are all known.
     bool hasPciLocation() const;
 };
+
+/// The kind of an adapter that answers CSMI.
+inline constexpr char CSMI_ADAPTER[] = "CSMI_HBA";
 
 /// What stands for a PCI field that isn't known.
 inline constexpr char UNKNOWN_PCI_DOMAIN[] = "FFFF";

@@ -75,6 +75,18 @@ void publishSlotFrom(Schema::ArrayController& controller, Records::IDENTIFY_CONT
     }
 }
 
+/// Adds a controller to the tree, unless the mask of models leaves it out.
+void offerIfEnabled(Schema::ModRoot& root, Common::shared_ptr<Core::Device> const& device) {
+    if (!WriteAllowedControllerDiscovery::isControllerEnabled(
+            device->getValueFor(Names::ATTR_NAME_CONTROLLER_NAME))) {
+        return;
+    }
+    if (familyOf(*device) == Names::ATTR_VALUE_CONTROLLER_FIRMWARE_FAMILY_ALDER) {
+        publish(*device, Names::ATTR_NAME_SLOT, EMBEDDED_SLOT);
+    }
+    root.receive(device);
+}
+
 void discoverController(Schema::ModRoot& root, AdapterProperties const& adapter,
                         Common::string const& locationKey) {
     ConcreteBMICDevice device(adapter.handle, false, LOGICAL_UNITS, PHYSICAL_UNITS);
@@ -94,14 +106,7 @@ void discoverController(Schema::ModRoot& root, AdapterProperties const& adapter,
     if (identified) {
         publishSlotFrom(*controller, identify.record());
     }
-    if (!WriteAllowedControllerDiscovery::isControllerEnabled(
-            controller->getValueFor(Names::ATTR_NAME_CONTROLLER_NAME))) {
-        return;
-    }
-    if (familyOf(*controller) == Names::ATTR_VALUE_CONTROLLER_FIRMWARE_FAMILY_ALDER) {
-        publish(*controller, Names::ATTR_NAME_SLOT, EMBEDDED_SLOT);
-    }
-    root.receive(pointer);
+    offerIfEnabled(root, pointer);
 }
 
 }  // namespace
@@ -130,7 +135,8 @@ Core::OperationReturn DiscoverFailedArrayController::visit(Schema::ModRoot& root
         Common::shared_ptr<Core::Device> const device(new Schema::FailedArrayController(*handle));
         publishAdapterProperties(*device, adapter);
         publish(*device, Names::ATTR_NAME_DRIVER_ENABLES_TARN, Names::ATTR_VALUE_DRIVER_ENABLES_TARN_FALSE);
-        root.receive(device);
+        publish(*device, Names::ATTR_NAME_MARKETING_NAME, ArrayControllerMarketingNameFor(device.get()));
+        offerIfEnabled(root, device);
     }
     return Core::OperationReturn();
 }

@@ -59,7 +59,7 @@ void SetHBAProperties(Core::Device* device, Common::string const& handle) {
     publish(*device, Names::ATTR_NAME_DEVICE_ID, decimalOfHex(adapter.deviceIdHex));
     publish(*device, Names::ATTR_NAME_DEVICE_ID_HEX, adapter.deviceIdHex);
     publishPciFields(*device, adapter);
-    if (adapter.kind != "CSMI_HBA") {
+    if (adapter.kind != CSMI_ADAPTER) {
         publish(*device, Names::ATTR_NAME_ADAPTER_TYPE, Names::ATTR_VALUE_ADAPTER_TYPE_GENERIC_HBA);
         return;
     }
@@ -72,6 +72,7 @@ void SetHBAProperties(Core::Device* device, Common::string const& handle) {
     publish(*device, Names::ATTR_NAME_STATUS, Names::ATTR_VALUE_STATUS_OK);
     publish(*device, Names::ATTR_NAME_FIRMWARE_VERSION, adapter.firmwareVersion);
     publish(*device, Names::ATTR_NAME_OPTION_ROM_VERSION, adapter.romVersion);
+    publish(*device, Names::ATTR_NAME_SERIAL_NUMBER, adapter.serialNumber);
 }
 
 void discoverGroup(Schema::ModRoot& root, StorageAdapterIterator::List const& handles) {

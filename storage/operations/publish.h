@@ -1,9 +1,12 @@
 #pragma once
 
+#include <climits>
 #include <cstdio>
+#include <string_view>
 
 #include "command/endian.h"
 #include "common/conversion.h"
+#include "common/debug_logger.h"
 #include "common/string.h"
 #include "core/device.h"
 #include "storage/schema/identity.h"
@@ -11,13 +14,8 @@
 /// What the operations that turn records into attributes share.
 namespace Operations {
 
+using Schema::decimalText;
 using Schema::publish;
-
-inline Common::string decimalText(unsigned long long value) {
-    char text[24];
-    std::snprintf(text, sizeof text, "%llu", value);
-    return text;
-}
 
 /// A number of a record that its command leaves in wire order.
 template <typename Number>
@@ -36,19 +34,81 @@ Common::string memberText(Byte const (&member)[Size]) {
     return Common::string(text).Trim();
 }
 
-/// One attribute that is copied from a record: its name, and how its text is made. An empty text publishes
-/// nothing.
+/// Publishes a text; an empty one takes away what an earlier discovery left of the attribute.
+inline void publishOrClear(Core::Device& device, char const* attribute, Common::string const& text) {
+    if (text.empty()) {
+        device.Clear(attribute);
+    } else {
+        publish(device, attribute, text);
+    }
+}
+
+/// Where a member ends in its record: what a record has to reach for the member to exist.
+#define KSL_MEMBER_END(Record, member) \
+    static_cast<unsigned>(offsetof(Records::Record, member) + sizeof(Records::Record::member))
+
+/// One attribute that is copied from a record: its name, and how its text is made. The attribute is absent
+/// for an empty text and for a member behind the end of the record.
 template <typename Record>
 struct PublishRow {
     char const* attribute;
     Common::string (*text)(Record const& record);
+    unsigned end = 0;  ///< KSL_MEMBER_END of the member; 0 for one that every record has
+};
+
+/// `reach`: how far the record tells that it reaches.
+template <typename Record, std::size_t Count>
+void publishRows(Core::Device& device, PublishRow<Record> const (&rows)[Count], Record const& record,
+                 unsigned reach = UINT_MAX) {
+    for (PublishRow<Record> const& row : rows) {
+        publishOrClear(device, row.attribute, row.end <= reach ? row.text(record) : Common::string());
+    }
+}
+
+/// One attribute that is a bit of a record.
+template <typename Record>
+struct FlagRow {
+    char const* attribute;
+    char const* whenSet;
+    char const* whenClear;
+    bool (*isSet)(Record const& record);
+    unsigned end = 0;  ///< as above
 };
 
 template <typename Record, std::size_t Count>
-void publishRows(Core::Device& device, PublishRow<Record> const (&rows)[Count], Record const& record) {
-    for (PublishRow<Record> const& row : rows) {
-        publish(device, row.attribute, row.text(record));
+void publishRows(Core::Device& device, FlagRow<Record> const (&rows)[Count], Record const& record,
+                 unsigned reach = UINT_MAX) {
+    for (FlagRow<Record> const& row : rows) {
+        publishOrClear(device, row.attribute,
+                       row.end > reach     ? ""
+                       : row.isSet(record) ? row.whenSet
+                                           : row.whenClear);
     }
+}
+
+/// The first columns of a FlagRow for an attribute of the namespace `Names`: a fact, or a setting.
+#define KSL_FACT(attribute) \
+    Names::ATTR_NAME_##attribute, Names::ATTR_VALUE_##attribute##_TRUE, Names::ATTR_VALUE_##attribute##_FALSE
+#define KSL_SETTING(attribute)                                             \
+    Names::ATTR_NAME_##attribute, Names::ATTR_VALUE_##attribute##_ENABLED, \
+        Names::ATTR_VALUE_##attribute##_DISABLED
+
+/// The value that a code of a record stands for.
+struct CodeRow {
+    unsigned code;
+    char const* value;
+};
+
+/// The value of a code that no row has is `unknown`, and the log tells the code.
+template <std::size_t Count>
+Common::string codeText(CodeRow const (&rows)[Count], unsigned code, char const* unknown) {
+    for (CodeRow const& row : rows) {
+        if (row.code == code) {
+            return row.value;
+        }
+    }
+    Common::DebugLogger::LogCommand("Code %u not known; it becomes %s", code, unknown);
+    return unknown;
 }
 
 }  // namespace Operations

@@ -78,7 +78,7 @@ void checkState(Schema::ArrayController& controller, Common::string const& name,
 
 void publishModes(Schema::ArrayController& controller, IDENTIFY_CONTROLLER const& identify) {
     if (isEvenMoreControllerFlagsValid(identify) &&
-        (fromWire(identify.dwEvenMoreControllerFlags) & IdentifyFlags::UNSUPPORTED_ZMR_MODE) != 0) {
+        (fromWire(identify.dwEvenMoreControllerFlags) & IdentifyFlags::ZMR_MODE) != 0) {
         controller.SetControllerStatusNotOk(Names::ATTR_VALUE_CONTROLLER_STATE_UNSUPPORTED_ZMR_MODE);
     }
     publishControllerAndHBAModeInfo(controller, identify);
@@ -148,13 +148,21 @@ void readStage(Schema::ArrayController& controller, Core::OperationReturn& resul
 void readArrayModeRecords(Schema::ArrayController& controller, Common::string const& family,
                           Core::OperationReturn& result) {
     Common::string const location = controller.getValueFor(Names::ATTR_NAME_LOCATION);
-    readStage<SenseControllerCommand<SenseSubsystemInformationTrait>>(controller, result,
-                                                                      publishSubsystemSystemInfo);
+    Records::SUBSYSTEM_PARAMETERS subsystem = {};
+    readStage<SenseControllerCommand<SenseSubsystemInformationTrait>>(
+        controller, result,
+        [&](Schema::ArrayController& device, Records::SUBSYSTEM_PARAMETERS const& record) {
+            subsystem = record;
+            publishSubsystemSystemInfo(device, record);
+        });
     if (location != Names::ATTR_VALUE_LOCATION_REMOTE) {
         readStage<SenseControllerCommand<SenseRedundantParameterTrait>>(controller, result,
                                                                         publishRedundantControllerParameters);
     }
-    readStage<SenseControllerCacheConfigStatusBase>(controller, result, publishAcceleratorInfo);
+    readStage<SenseControllerCacheConfigStatusBase>(
+        controller, result, [&](Schema::ArrayController& device, Records::CACHE_CONFIG_STATUS const& record) {
+            publishAcceleratorInfo(device, record, subsystem);
+        });
     if (location == Names::ATTR_VALUE_LOCATION_LOCAL) {
         readStage<SenseControllerCommand<SenseControllerParametersTrait>>(controller, result,
                                                                           publishParameterInfo);
@@ -220,6 +228,10 @@ Core::OperationReturn ReadArrayControllerInfo::visit(Schema::ArrayController& co
     publishIdentifyInfo(controller, identify);
     if (isVaultlineMode(identify)) {
         readArrayModeRecords(controller, family, result);
+        if (result) {
+            readEncryptionInfo(controller);
+            readPowerInfo(controller);
+        }
     }
     return result;
 }

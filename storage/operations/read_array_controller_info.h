@@ -37,13 +37,21 @@ void publishSubsystemSystemInfo(Schema::ArrayController& controller,
                                 Records::SUBSYSTEM_PARAMETERS const& subsystem);
 void publishRedundantControllerParameters(Schema::ArrayController& controller,
                                           Records::REDUNDANT_CONTROLLER_PARAMETERS const& parameters);
-void publishAcceleratorInfo(Schema::ArrayController& controller, Records::CACHE_CONFIG_STATUS const& cache);
-void publishCacheSizeInfo(Schema::ArrayController& controller, Records::CACHE_CONFIG_STATUS const& cache);
+/// `subsystem` tells the rest of the cache module.
+void publishAcceleratorInfo(Schema::ArrayController& controller, Records::CACHE_CONFIG_STATUS const& cache,
+                            Records::SUBSYSTEM_PARAMETERS const& subsystem);
+void publishCacheSizeInfo(Schema::ArrayController& controller, Records::CACHE_CONFIG_STATUS const& cache,
+                          Records::SUBSYSTEM_PARAMETERS const& subsystem);
 void publishParameterInfo(Schema::ArrayController& controller,
                           Records::CONTROLLER_PARAMETERS const& parameters);
 void publishSurfaceStatusInfo(Schema::ArrayController& controller, Records::SURFACE_STATUS const& surface);
 void publishMNPStatusInfo(Schema::ArrayController& controller, Records::MNP_STATUS const& status);
-/// Counts of the drives behind the controller by their use.
+/// Counts of the arrays and drives behind the controller by their use.
 void publishDriveTypeCounts(Schema::ArrayController& controller);
+
+/// The stages that ask for more where the controller says that there is more to tell. What isn't answered
+/// is left out, and is no failure of the operation.
+void readEncryptionInfo(Schema::ArrayController& controller);
+void readPowerInfo(Schema::ArrayController& controller);
 
 }  // namespace Operations

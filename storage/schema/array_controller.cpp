@@ -1,9 +1,9 @@
 #include "storage/schema/array_controller.h"
 
+#include <cstddef>
+
 #include "command/endian.h"
 #include "common/debug_logger.h"
-#include "core/tolkmod.h"
-#include "storage/schema/identity.h"
 #include "storage/vocabulary/array_controller.h"
 
 namespace Schema {
@@ -18,6 +18,18 @@ constexpr unsigned short FIXED_MAP_UNITS = 128;
 /// loops over unit numbers must end.
 constexpr unsigned short MOST_LOGICAL_UNITS = 256;
 constexpr unsigned short MOST_PHYSICAL_UNITS = 4096;
+
+// Bits of the identify record.
+constexpr std::uint8_t SAS_FEATURE = 1U << 0;      // pbFeaturesSupported, first byte
+constexpr std::uint32_t SPLIT_MIRROR = 1U << 6;    // dwYetMoreControllerFlags
+constexpr std::uint32_t NWAY_MIRRORING = 1U << 0;  // dwEvenMoreControllerFlags
+
+/// A record of a firmware that predates a member doesn't have it, whatever the buffer then holds.
+bool hasEvenMoreControllerFlags(Records::IDENTIFY_CONTROLLER const& identify) {
+    constexpr auto end = offsetof(Records::IDENTIFY_CONTROLLER, dwEvenMoreControllerFlags) +
+                         sizeof(Records::IDENTIFY_CONTROLLER::dwEvenMoreControllerFlags);
+    return ConvertLittleEndianToValue<std::uint32_t>(identify.dwFixedStructureLength) >= end;
+}
 
 /// The limit that a controller told, or the one known before when it told none or one beyond belief.
 unsigned short checkedLimit(unsigned short told, unsigned short known, unsigned short most,
@@ -39,13 +51,12 @@ unsigned short checkedLimit(unsigned short told, unsigned short known, unsigned 
 ArrayController::ArrayController(Common::string const& handle, bool const& isRemote,
                                  unsigned short const& maxPhysicalUnits,
                                  unsigned short const& maxLogicalUnits, Common::string const& locationKey)
-    : ConcreteBMICDevice(handle, isRemote, maxLogicalUnits, maxPhysicalUnits),
-      ConcreteSCSIDevice(handle),
+    : Node(Names::ATTR_VALUE_TYPE_ARRAY_CONTROLLER,
+           ConcreteBMICDevice(handle, isRemote, maxLogicalUnits, maxPhysicalUnits),
+           ConcreteSCSIDevice(handle)),
       m_locationKey(locationKey),
       m_maxPhysicalUnits(maxPhysicalUnits),
-      m_maxLogicalUnits(maxLogicalUnits) {
-    publish(*this, Interface::TOLKMod::Device::ATTR_NAME_TYPE, Names::ATTR_VALUE_TYPE_ARRAY_CONTROLLER);
-}
+      m_maxLogicalUnits(maxLogicalUnits) {}
 
 void ArrayController::InitializeSupport(Common::copy_ptr<Records::IDENTIFY_CONTROLLER> const& identify) {
     m_maxLogicalUnits =
@@ -54,6 +65,12 @@ void ArrayController::InitializeSupport(Common::copy_ptr<Records::IDENTIFY_CONTR
     m_maxPhysicalUnits =
         checkedLimit(ConvertLittleEndianToValue<std::uint16_t>(identify->wMaximumPhysicalDevicesSupported),
                      m_maxPhysicalUnits, MOST_PHYSICAL_UNITS, "physical units");
+    m_supportsSas = (identify->pbFeaturesSupported[0] & SAS_FEATURE) != 0;
+    m_supportsSplitMirror =
+        (ConvertLittleEndianToValue<std::uint32_t>(identify->dwYetMoreControllerFlags) & SPLIT_MIRROR) != 0;
+    m_allowsNWayMirror = hasEvenMoreControllerFlags(*identify) &&
+                         (ConvertLittleEndianToValue<std::uint32_t>(identify->dwEvenMoreControllerFlags) &
+                          NWAY_MIRRORING) != 0;
 }
 
 void ArrayController::SetControllerStatusNotOk(Common::string const& state) {
@@ -61,17 +78,12 @@ void ArrayController::SetControllerStatusNotOk(Common::string const& state) {
     publish(*this, Names::ATTR_NAME_CONTROLLER_STATE, state);
 }
 
-void ArrayController::UpdateWith(Common::shared_ptr<Core::Device> other) {
-    if (auto const* twin = dynamic_cast<ArrayController const*>(other.get())) {
-        m_maxLogicalUnits = twin->m_maxLogicalUnits;
-        m_maxPhysicalUnits = twin->m_maxPhysicalUnits;
-        ConcreteBMICDevice::operator=(*twin);
-        ConcreteSCSIDevice::operator=(*twin);
-    }
-}
-
-bool ArrayController::operator==(Core::Device const& other) const {
-    return isSameKindAndIdentity(*this, other);
+void ArrayController::takeOver(ArrayController const& twin) {
+    m_maxLogicalUnits = twin.m_maxLogicalUnits;
+    m_maxPhysicalUnits = twin.m_maxPhysicalUnits;
+    m_allowsNWayMirror = twin.m_allowsNWayMirror;
+    m_supportsSas = twin.m_supportsSas;
+    m_supportsSplitMirror = twin.m_supportsSplitMirror;
 }
 
 bool ArrayController::extendedDrivemapSupport() const {
@@ -80,14 +92,6 @@ bool ArrayController::extendedDrivemapSupport() const {
 
 bool ArrayController::smallDrivemapSupport() const {
     return m_maxPhysicalUnits <= SMALL_MAP_UNITS;
-}
-
-Core::OperationReturn ArrayController::performImpl(Core::VisitorDevice& visitor) {
-    return Core::DispatchVisit<VisitorArrayController>(visitor, *this);
-}
-
-Common::string ArrayController::toStringImpl() const {
-    return Common::string("AC:") + m_locationKey;
 }
 
 }  // namespace Schema

@@ -250,7 +250,6 @@ class FakeKernel : public Core::SysMod::SystemCalls {
     bool readFirstLine(std::string const&, std::string&) override { return false; }
     bool readFile(std::string const&, std::string&, std::size_t) override { return false; }
     bool readLink(std::string const&, std::string&) override { return false; }
-    bool exists(std::string const&) override { return false; }
 
     std::vector<KernelExchange> exchanges;
     std::function<Reply(KernelExchange const&)> answer;

@@ -280,8 +280,7 @@ TEST(VerboseLog, ListsTheAttributesOfAController) {
     std::size_t const start = log.find("Device: VQ Vaultline TR58 Controller\n");
     std::size_t const end = log.find("-----", start);
     ASSERT_NE(end, std::string::npos);
-    EXPECT_EQ(log.substr(start, end - start),
-              readText(std::string(KSL_SOURCE_DIR) + "/tests/program/transcripts/attributes.txt"));
+    expectTranscript(log.substr(start, end - start), "attributes.txt");
 }
 
 }  // namespace

@@ -39,11 +39,11 @@ INSTANTIATE_TEST_SUITE_P(
                     "scenario: found no \"devices\", expected one"},
         BadScenario{"DevicesNoList", REPLACE("/devices", "7"), "scenario.devices: found 7, expected a list"},
         BadScenario{"UnknownKey", REPLACE("/devices/0/famly", "1"),
-                    "scenario.devices[0]: found the key \"famly\", expected one of cache, cache_module, "
+                    "scenario.devices[0]: found the key \"famly\", expected one of board_power, cache, cache_module, "
                     "collect_limit, "
                     "controller_parameters, encryption, family, fast_path, firmware, identify, instance, "
                     "kind, layout, "
-                    "logical_drives, mnp_status, model, name, node_present, pci, product, "
+                    "logical_drives, mnp_status, model, name, node_present, pci, power_mode, product, "
                     "redundant_parameters, serial, "
                     "subsystem, supports_tofu, surface_status"},
         BadScenario{

@@ -1,5 +1,7 @@
 #include "storage/schema/adapters.h"
+#include "command/cache_state.h"
 #include "storage/operations/discover_controllers.h"
+#include "sysmod/device_handle.h"
 #include "tests/storage/storage_fixture.h"
 
 namespace storage_test {
@@ -18,7 +20,7 @@ std::string discoverFailed(Core::Device& root) {
 TEST_F(Adapters, AControllerThatDoesNotAnswerIsAFailedOne) {
     json const slot = {{"pci", {{"slot", "4"}}}};
     start({{"devices",
-            {controller("mute", "0000:06:00.0", "0x3354", slot), controller("gone", "0000:07:00.0", "0x3355"),
+            {controller("mute", "0000:06:00.0", "0x3354", slot), controller("gone", "0000:07:00.0", "0x3303"),
              controller("good", "0000:08:00.0", "0x3356")}}});
     addFault(R"({"match": {"device": "mute", "command": "0x12"}, "action": {"errno": "EIO"}})");
     addFault(R"({"match": {"device": "gone"}, "action": {"vanish": true}})");
@@ -35,8 +37,10 @@ TEST_F(Adapters, AControllerThatDoesNotAnswerIsAFailedOne) {
     static Row const rows[] = {
         {"ATTR_NAME_UNIQUE_ID", {"FAC:0000060000", "FAC:0000070000"}},
         {"ATTR_NAME_CONTROLLER_NAME",
-         {"ATTR_VALUE_CONTROLLER_NAME_DOGWOOD4", "ATTR_VALUE_CONTROLLER_NAME_DOGWOOD16"}},
-        {"ATTR_NAME_SLOT", {"4", ABSENT}},
+         {"ATTR_VALUE_CONTROLLER_NAME_DOGWOOD4", "ATTR_VALUE_CONTROLLER_NAME_ALDER8"}},
+        {"ATTR_NAME_MARKETING_NAME",
+         {"VQ Vaultline TR56 Controller", "VQ Vaultline TR14i Embedded Controller"}},
+        {"ATTR_NAME_SLOT", {"4", "0b"}},
         {"ATTR_NAME_PCI_BUS", {"06", "07"}},
         {"ATTR_NAME_DRIVER_ENABLES_TARN",
          {"ATTR_VALUE_DRIVER_ENABLES_TARN_FALSE", "ATTR_VALUE_DRIVER_ENABLES_TARN_FALSE"}},
@@ -141,6 +145,43 @@ TEST_F(Adapters, APlainAdapter) {
     for (auto const& [name, value] : expected)
         EXPECT_EQ(value, attribute(*adapters.front(), name)) << name;
     EXPECT_EQ(Strings{}, exchanges());
+}
+
+/// What the adapter tells in its configuration comes with its handle.
+TEST_F(Adapters, ACsmiAdapter) {
+    using namespace Core::SysMod;
+    start({{"devices", json::array()}});
+    PropertyTable table;
+    table[DeviceType] = "CSMI_HBA";
+    table[SubsystemIdentity] = "1E5C89AB";
+    table[UniqueKey] = "KEY";
+    table[AdapterSlot] = "UNKNOWN";
+    table[FirmwareVersion] = "5.06";
+    table[RomVersion] = "7.08";
+    table[14] = "SN-4711";
+    SetCommandCacheState(true);
+    AdapterListCache& lists = adapterListCache();
+    lists.csmiAdapters.clear();
+    lists.csmiAdapters.push_back(toDeviceInfo(table));
+    lists.valid = true;
+    discover();
+    SetCommandCacheState(false);
+    ClearModRootCache();
+    SetDiscoveryRescanOption(true);
+    auto const adapters = children(PLAIN);
+    ASSERT_EQ(1U, adapters.size());
+    std::pair<char const*, char const*> const expected[] = {
+        {"ATTR_NAME_ADAPTER_TYPE", "ATTR_VALUE_ADAPTER_TYPE_CSMI_HBA"},
+        {"ATTR_NAME_SLOT", "ATTR_VALUE_SLOT_UNKNOWN"},
+        {"ATTR_NAME_STATUS", "ATTR_VALUE_STATUS_OK"},
+        {"ATTR_NAME_MARKETING_NAME", "Host Bus Adapter"},
+        {"ATTR_NAME_FIRMWARE_VERSION", "5.06"},
+        {"ATTR_NAME_OPTION_ROM_VERSION", "7.08"},
+        {"ATTR_NAME_SERIAL_NUMBER", "SN-4711"},
+        {"ATTR_NAME_PCI_DOMAIN", ABSENT},
+    };
+    for (auto const& [name, value] : expected)
+        EXPECT_EQ(value, attribute(*adapters.front(), name)) << name;
 }
 
 TEST_F(Adapters, AnEmptyMachineIsAnEmptyTree) {

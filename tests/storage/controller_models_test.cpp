@@ -6,6 +6,7 @@
 
 #include "core/capability_finder.h"
 #include "storage/host_bus_adapter_models.h"
+#include "storage/operations/discover_controllers.h"
 #include "storage/operations/write_allowed_controller_discovery.h"
 #include "tests/storage/storage_fixture.h"
 
@@ -135,6 +136,18 @@ TEST_F(AllowedControllers, TheMaskDecidesWhatIsDiscovered) {
         EXPECT_EQ(row.serials, controllers("ATTR_NAME_CONTROLLER_SERIAL_NUMBER"))
             << (row.maskType == nullptr ? "no mask type" : row.maskType);
     }
+}
+
+TEST_F(AllowedControllers, TheMaskHoldsForFailedControllersToo) {
+    start({{"devices",
+            {controller("a", "0000:01:00.0", "0x3354", {{"node_present", false}}),
+             controller("b", "0000:02:00.0", "0x3355", {{"node_present", false}})}}});
+    allow("ATTR_VALUE_MASK_TYPE_DISABLED", {"ATTR_VALUE_CONTROLLER_NAME_DOGWOOD4"});
+    root->perform(OperationPointer(new Operations::DiscoverFailedArrayController));
+    auto const failed = children("ATTR_VALUE_TYPE_FAILED_ARRAY_CONTROLLER");
+    ASSERT_EQ(1U, failed.size());
+    EXPECT_EQ("ATTR_VALUE_CONTROLLER_NAME_DOGWOOD16",
+              attribute(*failed.front(), "ATTR_NAME_CONTROLLER_NAME"));
 }
 
 TEST_F(AllowedControllers, TheCapabilityOffersMaskTypeAndNames) {

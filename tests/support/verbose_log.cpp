@@ -34,13 +34,16 @@ std::string steadyLog(PackageRun const& package) {
 
 }  // namespace
 
-void expectVerboseLog(PackageRun const& package, std::string const& name) {
-    std::string const file = std::string(KSL_SOURCE_DIR) + "/tests/program/transcripts/" + name + ".log";
-    std::string const log = steadyLog(package);
+void expectTranscript(std::string const& text, std::string const& name) {
+    std::string const file = std::string(KSL_SOURCE_DIR) + "/tests/program/transcripts/" + name;
     if (std::getenv("KSL_REWRITE_LOGS") != nullptr) {
-        writeText(file, log);
+        writeText(file, text);
         ADD_FAILURE() << "wrote " << file;
         return;
     }
-    EXPECT_EQ(log, readText(file)) << file;
+    EXPECT_EQ(text, readText(file)) << file;
+}
+
+void expectVerboseLog(PackageRun const& package, std::string const& name) {
+    expectTranscript(steadyLog(package), name + ".log");
 }

@@ -114,8 +114,6 @@ class FakeSystem : public Core::SysMod::SystemCalls {
         return true;
     }
 
-    bool exists(std::string const& path) override { return files.count(path) != 0; }
-
   private:
     static constexpr int FIRST_DESCRIPTOR = 1000;
 

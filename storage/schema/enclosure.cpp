@@ -1,0 +1,55 @@
+#include "storage/schema/enclosure.h"
+
+#include "storage/vocabulary/drive_cage.h"
+#include "storage/vocabulary/storage_enclosure.h"
+
+namespace Schema {
+
+namespace Box = Interface::StorageMod::StorageEnclosure;
+namespace Cage = Interface::StorageMod::DriveCage;
+
+StorageEnclosure::StorageEnclosure(std::uint8_t boxNumber, Common::string const& serialNumber,
+                                   Common::string const& location, std::uint8_t boxIndex)
+    : Node(Box::ATTR_VALUE_TYPE_STORAGE_ENCLOSURE, ForwardDevice()),
+      m_boxNumber(boxNumber),
+      m_boxIndex(boxIndex),
+      m_serialNumber(serialNumber.Trim()) {
+    publish(*this, Box::ATTR_NAME_BOX, decimalText(boxNumber));
+    publish(*this, Box::ATTR_NAME_BOX_INDEX, decimalText(boxIndex));
+    publish(*this, Box::ATTR_NAME_SERIAL_NUMBER, m_serialNumber);
+    publish(*this, Box::ATTR_NAME_LOCATION, location);
+    // Bus 15 wraps to 0 in the index's eight bits: taking one off and keeping four bits brings it back.
+    if (boxIndex != 0) {
+        AddDriveCageLocation({static_cast<std::uint8_t>(((boxIndex >> 4) - 1) & 0x0F),
+                              static_cast<std::uint8_t>(boxIndex & 0x0F)});
+    }
+}
+
+Common::string StorageEnclosure::uniqueIdentifier() const {
+    Common::string identifier = "SE:" + decimalText(m_boxIndex) + "_" + decimalText(m_boxNumber);
+    if (!m_serialNumber.empty()) identifier += "_" + m_serialNumber;
+    return identifier;
+}
+
+void StorageEnclosure::AddDriveCageLocation(CageLocation const& cage) {
+    for (CageLocation const& known : m_cages) {
+        if (known == cage) return;
+    }
+    m_cages.push_back(cage);
+}
+
+DriveCage::DriveCage(std::uint8_t bus, std::uint8_t target, Common::string const& port,
+                     PhysicalDriveMap const& installedDrives)
+    : Node(Cage::ATTR_VALUE_TYPE_DRIVE_CAGE, ForwardDevice()),
+      m_location{bus, target},
+      m_port(port.Trim()),
+      m_installedDrives(installedDrives) {
+    publish(*this, Cage::ATTR_NAME_BUS, decimalText(bus));
+    publish(*this, Cage::ATTR_NAME_PORT, m_port);
+}
+
+Common::string DriveCage::toStringImpl() const {
+    return "DC:" + decimalText(m_location.bus) + "_" + decimalText(m_location.target) + "_" + m_port;
+}
+
+}  // namespace Schema
