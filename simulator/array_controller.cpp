@@ -79,12 +79,13 @@ std::string formProblem(ArrayController::Management const& row, Command const& c
 }  // namespace
 
 ArrayController::ArrayController(DeviceFrame frame, Setup setup, ControllerFirmware firmware,
-                                 ControllerRecords records, CollectBuffer collected)
+                                 ControllerRecords records, CollectBuffer collected, ControllerUnits units)
     : Device(std::move(frame)),
       m_setup(std::move(setup)),
       m_firmware(std::move(firmware)),
       m_records(std::move(records)),
-      m_collected(std::move(collected)) {}
+      m_collected(std::move(collected)),
+      m_units(std::move(units)) {}
 
 std::string ArrayController::commandName(Command const& command) const {
     if (command.block.empty()) return "unknown";
@@ -94,18 +95,7 @@ std::string ArrayController::commandName(Command const& command) const {
         Management const* row = findManagement(command.block[6]);
         return row != nullptr ? row->name : "BMIC " + hexByte(command.block[6]);
     }
-    switch (command.block[0]) {
-        case 0x00:
-            return "TEST UNIT READY";
-        case INQUIRY:
-            return "INQUIRY";
-        case REPORT_LOGICAL:
-            return "REPORT LOGICAL LUNS";
-        case REPORT_PHYSICAL:
-            return "REPORT PHYSICAL LUNS";
-        default:
-            return "SCSI " + hexByte(command.block[0]);
-    }
+    return scsiName(command.block[0]);
 }
 
 std::uint8_t ArrayController::opcode(Command const& command) const {
@@ -116,6 +106,8 @@ Reply ArrayController::execute(Command const& command) {
     bool const elsewhere =
         std::any_of(command.address.begin(), command.address.end(), [](auto byte) { return byte != 0; });
     if (elsewhere) {
+        ScsiTarget* const target = command.message ? nullptr : m_units.find(command.address);
+        if (target != nullptr) return target->execute(command);
         Reply reply;
         reply.commandStatus = COMMAND_INVALID;
         reply.notes.push_back("no device at the address " + toHex(command.address));
@@ -155,11 +147,7 @@ Reply ArrayController::scsi(Command const& command) {
         }
         case REPORT_LOGICAL:
         case REPORT_PHYSICAL:
-            if (command.block.size() != 12)
-                return protocolError(
-                    ASC_INVALID_FIELD_IN_COMMAND_BLOCK,
-                    "a command block of " + std::to_string(command.block.size()) + " bytes, expected 12");
-            return answer(Bytes(8, 0));  // a list of no bytes
+            return m_units.report(command);
         default:
             return checkCondition(5, ASC_INVALID_OPERATION_CODE);
     }

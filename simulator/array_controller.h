@@ -3,6 +3,7 @@
 #include "simulator/collect_buffer.h"
 #include "simulator/controller_firmware.h"
 #include "simulator/controller_records.h"
+#include "simulator/controller_units.h"
 #include "simulator/device.h"
 
 namespace simulator {
@@ -22,9 +23,11 @@ class ArrayController : public Device {
     };
 
     ArrayController(DeviceFrame frame, Setup setup, ControllerFirmware firmware, ControllerRecords records,
-                    CollectBuffer collected);
+                    CollectBuffer collected, ControllerUnits units);
 
-    bool answers(Request request) const override { return request != Request::Unknown; }
+    bool answers(Request request) const override {
+        return request != Request::Unknown && request != Request::Csmi;
+    }
     std::string commandName(Command const& command) const override;
     std::uint8_t opcode(Command const& command) const override;
     Reply execute(Command const& command) override;
@@ -77,6 +80,7 @@ class ArrayController : public Device {
     ControllerFirmware m_firmware;
     ControllerRecords m_records;
     CollectBuffer m_collected;
+    ControllerUnits m_units;
     bool m_paused = false;
 };
 

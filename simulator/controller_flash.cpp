@@ -202,7 +202,8 @@ std::unique_ptr<Device> makeArrayController(DeviceFrame frame, Object const& obj
     ControllerFirmware rom(firmware, frame.name, object.at("family").text(IMAGE_FAMILY_SIZE), versions);
     CollectBuffer collected(firmware / (frame.name + ".collect"), setup.collectLimit);
     return std::make_unique<ArrayController>(std::move(frame), std::move(setup), std::move(rom),
-                                             std::move(records), std::move(collected));
+                                             std::move(records), std::move(collected),
+                                             ControllerUnits(object));
 }
 
 }  // namespace simulator

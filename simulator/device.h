@@ -38,7 +38,12 @@ struct DeviceFrame {
     bool oldLayout = false;   ///< how older kernels name a block driver's directory
     bool nodePresent = true;  ///< whether the node's file exists
     std::string fastPath;     ///< "enabled", "disabled" or empty: the driver doesn't tell
-    std::string node;         ///< "/dev/xqrth/c0d0", "/dev/sg0", or empty
+    /// "/dev/xqrth/c0d0", "/dev/sg0", or empty. Behind a ":" the number of a device that shares its node with
+    /// others, "/dev/mpt2ctl:0".
+    std::string node;
+
+    /// The node's path without that number.
+    std::string nodeFile() const { return node.substr(0, node.find(':')); }
 };
 
 class Device {

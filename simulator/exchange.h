@@ -13,21 +13,27 @@ namespace simulator {
 
 enum class Direction { None, In, Out, Both };
 
-/// What brought a command: the SCSI generic interface, or the controller's own pass-through.
-enum class Carrier { ScsiGeneric, PassThrough };
+/// What brought a command: the SCSI generic interface, the controller's own pass-through, or CSMI.
+enum class Carrier { ScsiGeneric, PassThrough, Csmi };
 
 struct Command {
     Carrier carrier = Carrier::ScsiGeneric;
-    Bytes block;  ///< SCSI command block, 1 to 16 bytes
+    Bytes block;  ///< SCSI command block, 1 to 16 bytes, or an SMP request frame
     Direction direction = Direction::None;
     Bytes dataOut;               ///< what was sent; empty unless the direction is Out or Both
     std::size_t bufferSize = 0;  ///< size of the caller's buffer, also when the direction is None
     std::uint64_t timeoutMilliseconds = 0;
 
+    /// Logical unit address (all zero is the controller), or SAS address by CSMI.
+    std::array<std::uint8_t, 8> address{};
+
     // Pass-through only
-    std::array<std::uint8_t, 8> address{};  ///< logical unit address; all zero is the controller
-    bool message = false;                   ///< a task management message, not a command
-    std::uint8_t attribute = 4;             ///< task attribute; 4 is simple
+    bool message = false;        ///< a task management message, not a command
+    std::uint8_t attribute = 4;  ///< task attribute; 4 is simple
+
+    // CSMI only
+    std::uint32_t csmi = 0;  ///< request number
+    std::uint8_t phy = 0;    ///< that the caller names as the way to the address
 
     /// Bytes that a reply can have.
     std::size_t room() const {

@@ -85,12 +85,14 @@ void makeNode(fs::path const& root, DeviceFrame const& frame) {
         std::map<std::string, nlohmann::json> overrides;
         if (type != frame.pci.overrides.end()) overrides.insert(*type);
         Directory(scsi, overrides).file("type", "12");
+    } else if (frame.node.find(':') != std::string::npos) {
+        // The adapter's devices are behind its driver; the node is no entry of the function's.
     } else if (frame.oldLayout) {
         fs::create_directories(function / ("block:xqrth!c" + n + "d0"));
     } else {
         fs::create_directories(function / "disk0" / ("xqrth" + n) / ("c" + n + "d0"));
     }
-    fs::path const node = root / fs::path(frame.node).relative_path();
+    fs::path const node = root / fs::path(frame.nodeFile()).relative_path();
     fs::create_directories(node.parent_path());
     if (frame.nodePresent) writeText(node, "");
 }

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "simulator/csmi_records.h"
+
 namespace simulator {
 
 namespace {
@@ -179,13 +181,15 @@ Request requestOf(unsigned long number) {
     auto const* const row = std::find_if(REQUESTS, end, [&](NamedRequest const& named) {
         return named.number == static_cast<std::uint32_t>(number);
     });
-    return row == end ? Request::Unknown : row->request;
+    if (row != end) return row->request;
+    return csmiName(static_cast<std::uint32_t>(number)) != nullptr ? Request::Csmi : Request::Unknown;
 }
 
 std::string requestName(unsigned long number) {
     auto const value = static_cast<std::uint32_t>(number);
     for (NamedRequest const& named : REQUESTS)
         if (named.number == value) return named.name;
+    if (char const* const name = csmiName(value)) return name;
     if (value >> 16 != 0xCC77) return "unknown";
     char text[32];
     std::snprintf(text, sizeof text, "CSMI 0x%08X", value);

@@ -19,7 +19,7 @@
 ///    76
 ///                                                        76  4  chunk size; 80 4 data length; 88 8 data
 ///
-/// XQRTH_REGNEWD 0x420E has no record.
+/// XQRTH_REGNEWD 0x420E has no record. CSMI's records are in csmi_records.h.
 
 #include <cstdint>
 #include <string>
@@ -28,15 +28,15 @@
 
 namespace simulator {
 
-enum class Request { ScsiGeneric, PassThrough, BigPassThrough, RegisterNewDisks, Unknown };
+enum class Request { ScsiGeneric, PassThrough, BigPassThrough, RegisterNewDisks, Csmi, Unknown };
 
 /// The request of a number, of which a kernel looks at 32 bits.
 Request requestOf(unsigned long number);
-/// "SG_IO", "XQRTH_PASSTHRU", "CSMI 0xCC770001", "unknown".
+/// "SG_IO", "XQRTH_PASSTHRU", "CSMI PHY INFORMATION", "CSMI 0xCC770004", "unknown".
 std::string requestName(unsigned long number);
 
-/// The command in a record. Returns 0, or the errno with which a kernel refuses the record and why in
-/// `reason`.
+/// The command in a record other than CSMI's. Returns 0, or the errno with which a kernel refuses the record
+/// and why in `reason`.
 int decodeRecord(Request request, void const* record, Command& command, std::string& reason);
 
 /// Puts a reply's status, sense, residual count and data into the record and the buffers it points to.

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "simulator/csmi_records.h"
 #include "simulator/files.h"
 #include "simulator/machine_core.h"
 #include "simulator/virtual_clock.h"
@@ -196,19 +197,26 @@ std::uint64_t Machine::exchangeCount() {
 
 std::vector<std::string> Machine::nodes() const {
     std::vector<std::string> names;
-    for (auto const& device : m_core->scenario.devices)
-        if (!device->frame().node.empty()) names.push_back(device->frame().node);
+    for (auto const& device : m_core->scenario.devices) {
+        std::string const file = device->frame().nodeFile();
+        if (!file.empty() && std::find(names.begin(), names.end(), file) == names.end())
+            names.push_back(file);
+    }
     return names;
 }
 
 int Machine::openNode(std::string const& node) {
     return m_core->locked([&] {
-        Device const* device = m_core->find(node);
-        int error = 0;
-        if (device == nullptr || !device->frame().nodePresent)
-            error = ENOENT;
-        else if (m_core->vanished.count(device->frame().name) != 0)
-            error = ENODEV;
+        // A node that devices share opens as long as one of them is there.
+        Device const* device = nullptr;
+        int error = ENOENT;
+        for (auto const& each : m_core->scenario.devices) {
+            if (error == 0 || node.empty() || each->frame().nodeFile() != node) continue;
+            device = each.get();
+            error = !device->frame().nodePresent                        ? ENOENT
+                    : m_core->vanished.count(device->frame().name) != 0 ? ENODEV
+                                                                        : 0;
+        }
         if (error == 0) return 0;
         JournalEntry entry;
         entry.event = "open";
@@ -224,9 +232,11 @@ int Machine::openNode(std::string const& node) {
 
 int Machine::ioctl(std::string const& node, unsigned long number, void* record) {
     return m_core->locked([&] {
-        Device* device = m_core->find(node);
-        if (device == nullptr) return ENODEV;
         Request const request = requestOf(number);
+        Device* device = m_core->find(node);
+        if (device == nullptr && request == Request::Csmi && record != nullptr)
+            device = m_core->find(node + ":" + std::to_string(csmiController(record)));
+        if (device == nullptr) return ENODEV;
         RequestInfo info{requestName(number), static_cast<std::uint32_t>(number), false};
         Command command;
         if (request == Request::Unknown || !device->answers(request))
@@ -235,10 +245,15 @@ int Machine::ioctl(std::string const& node, unsigned long number, void* record) 
         if (request == Request::RegisterNewDisks)
             return m_core->exchange(*device, command, info, 0, "").error;
         std::string reason;
-        int const refused = decodeRecord(request, record, command, reason);
+        bool const isCsmi = request == Request::Csmi;
+        int const refused = isCsmi ? decodeCsmi(info.number, record, command, reason)
+                                   : decodeRecord(request, record, command, reason);
         info.hasCommand = true;
         Reply const reply = m_core->exchange(*device, command, info, refused, reason);
-        if (reply.error == 0) encodeReply(request, record, command, reply);
+        if (reply.error == 0 && isCsmi)
+            encodeCsmi(info.number, record, command, reply);
+        else if (reply.error == 0)
+            encodeReply(request, record, command, reply);
         return reply.error;
     });
 }

@@ -54,6 +54,7 @@ void make(fs::path const& given, json const& document, std::string const& name, 
         throw MachineError(error.path1().string() + " can't be made: " + error.code().message());
     }
     makeFileTree(directory / "root", scenario.devices);
+    makeMachineFiles(directory / "root", scenario.files, scenario.devices);
     std::map<std::string, json> states;
     for (auto const& device : scenario.devices) {
         device->initialise();

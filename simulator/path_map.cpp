@@ -26,6 +26,9 @@ constexpr Prefix PREFIXES[] = {
     {"/sys/bus/pci", Match::Tree, false, false},
     {"/sys/devices/pci", Match::Any, false, false},  // where the bus's links lead
     {"/sys/block", Match::Tree, false, false},
+    {"/sys/firmware/efi/efivars", Match::Tree, false, false},
+    {"/etc/mtab", Match::Tree, false, false},
+    {"/etc/fstab", Match::Tree, false, false},
     {"/dev/xqrth", Match::Tree, true, false},
     {"/dev/sg", Match::Number, true, false},
     {"/dev/mpt2ctl", Match::Tree, true, false},

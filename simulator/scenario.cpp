@@ -5,6 +5,7 @@
 #include <set>
 
 #include "simulator/array_controller.h"
+#include "simulator/csmi_adapter.h"
 
 namespace simulator {
 
@@ -23,11 +24,14 @@ std::unique_ptr<Device> makePciFunction(DeviceFrame frame, Object const&, std::f
 
 constexpr Kind KINDS[] = {
     {"array_controller", true, makeArrayController},
+    {"csmi_adapter", true, makeCsmiAdapter},
     {"pci_function", false, makePciFunction},
 };
 
 /// The drivers that give a controller a node.
 constexpr char const* BLOCK_DRIVER = "xqrth";
+constexpr char const* CSMI_KIND = "csmi_adapter";
+constexpr char const* CSMI_NODE = "/dev/mpt2ctl";
 constexpr char const* GENERIC_DRIVERS[] = {"vqsa",  "vqvsa",  "vqvsac", "vqvsag", "vqvsaw",
                                            "vqdsa", "vqdsac", "vqdsag", "vqdsaw", "vqahcisr"};
 
@@ -84,6 +88,7 @@ PciFunction readPci(Object const& object) {
 
 std::string nodeOf(DeviceFrame const& frame, Object const& object) {
     std::string const instance = std::to_string(frame.instance);
+    if (frame.kind == CSMI_KIND) return CSMI_NODE + (":" + instance);
     if (frame.pci.driver == BLOCK_DRIVER) return "/dev/xqrth/c" + instance + "d0";
     if (std::find(std::begin(GENERIC_DRIVERS), std::end(GENERIC_DRIVERS), frame.pci.driver) !=
         std::end(GENERIC_DRIVERS))
@@ -111,8 +116,11 @@ std::unique_ptr<Device> readDevice(Value const& value, std::filesystem::path con
         frame.fastPath = fastPath->choice({"enabled", "disabled"});
     if (kind.hasNode) {
         // One count for all generic drivers: they share the names /dev/sg0, /dev/sg1, ...
-        unsigned& next = nextInstance[frame.pci.driver == BLOCK_DRIVER ? BLOCK_DRIVER : "sg"];
-        frame.instance = static_cast<unsigned>(object.numberOr("instance", next, 4095));
+        bool const isCsmi = frame.kind == CSMI_KIND;
+        unsigned& next = nextInstance[isCsmi                             ? CSMI_KIND
+                                      : frame.pci.driver == BLOCK_DRIVER ? BLOCK_DRIVER
+                                                                         : "sg"];
+        frame.instance = static_cast<unsigned>(object.numberOr("instance", next, isCsmi ? 255 : 4095));
         next = std::max(next, frame.instance + 1);
         frame.node = nodeOf(frame, object);
         frame.nodePresent = object.booleanOr("node_present", true);
@@ -148,6 +156,7 @@ Scenario readScenario(Value const& value, std::filesystem::path const& firmware)
         scenario.devices.push_back(readDevice(device, firmware, nextInstance));
         refuseTwins(device, *scenario.devices.back(), taken);
     }
+    scenario.files = readMachineFiles(object, scenario.devices);
     if (auto const faults = object.find("faults")) scenario.faults.add(*faults);
     object.refuseOthers();
     return scenario;

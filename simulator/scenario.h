@@ -7,6 +7,7 @@
 
 #include "simulator/device.h"
 #include "simulator/faults.h"
+#include "simulator/machine_files.h"
 
 namespace simulator {
 
@@ -14,6 +15,7 @@ namespace simulator {
 struct Scenario {
     std::string name;
     std::vector<std::unique_ptr<Device>> devices;
+    MachineFiles files;
     FaultPlan faults;
 };
 

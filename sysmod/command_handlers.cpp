@@ -133,4 +133,31 @@ bool ATACommandHandler::ConvertToSCSIRequest(ATARequest const& request, DataSpan
     return true;
 }
 
+void ATACommandHandler::TakeResultRegisters(DataSpan sense, ATARequest& request) {
+    constexpr std::uint32_t HEADER = 8;
+    constexpr unsigned char DESCRIPTOR_FORMAT = 0x72;
+    constexpr unsigned char ATA_STATUS_RETURN = 0x09;
+    constexpr std::uint32_t DESCRIPTOR_SIZE = 14;
+    // Error, count, LBA low, mid and high, device, status.
+    constexpr std::uint8_t PLACES[] = {3, 5, 7, 9, 11, 12, 13};
+    if (sense.bytes == nullptr || request.resultRegisters == nullptr || sense.size < HEADER ||
+        sense.bytes[0] != DESCRIPTOR_FORMAT) {
+        return;
+    }
+    std::uint32_t const end = std::min(sense.size, HEADER + sense.bytes[7]);
+    for (std::uint32_t at = HEADER; at + 2 <= end; at += 2U + sense.bytes[at + 1]) {
+        unsigned char const* const descriptor = sense.bytes + at;
+        if (descriptor[0] != ATA_STATUS_RETURN || descriptor[1] != DESCRIPTOR_SIZE - 2 ||
+            end - at < DESCRIPTOR_SIZE) {
+            continue;
+        }
+        std::uint32_t const count = std::min<std::uint32_t>(request.resultLength, std::size(PLACES));
+        for (std::uint32_t i = 0; i < count; ++i) {
+            request.resultRegisters[i] = descriptor[PLACES[i]];
+        }
+        request.ataStatus = descriptor[PLACES[std::size(PLACES) - 1]];
+        return;
+    }
+}
+
 }  // namespace Core::SysMod

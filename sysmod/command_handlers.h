@@ -136,6 +136,8 @@ class ATACommandHandler {
     bool SendATACommand(OpenDeviceNode const& node, Interface::SysMod::Command::ATARequest& request);
     /// Makes the command block; refuses any other block size than 16.
     static bool ConvertToSCSIRequest(Interface::SysMod::Command::ATARequest const& request, DataSpan block);
+    /// Takes the registers out of an ATA Status Return descriptor (SAT) in sense data, where there is one.
+    static void TakeResultRegisters(DataSpan sense, Interface::SysMod::Command::ATARequest& request);
     int lowLevelError() const { return m_lowLevelError; }
 
   private:

@@ -72,7 +72,9 @@ struct BasicATARequest {
     std::uint32_t dataLength = 0;
     std::int32_t lowLevelStatus = 0;
     std::uint32_t resultLength = 0;  ///< 8
-    Pointer resultRegisters{};       ///< the command's eight result bytes, borrowed
+    /// The command's eight result bytes, borrowed: error, sector count, LBA low, mid and high, device, status
+    /// and one that stays. Set where the device returns them; an adapter does so for a command that failed.
+    Pointer resultRegisters{};
     Pointer senseBuffer{};
     std::uint32_t senseLength = 0;
     std::uint8_t scsiStatus = 0;

@@ -144,9 +144,15 @@ bool SendATACommandEx(OpenDeviceNode const& node, Common::string const (&table)[
     carrier.cdbLength = sizeof block;
     carrier.dataBuffer = request.dataBuffer;
     carrier.dataLength = request.dataLength;
-    carrier.senseBuffer = request.senseBuffer;
-    carrier.senseLength = request.senseLength;
+    // The registers come back in sense data, also for a caller who has no use for it.
+    unsigned char ownSense[Interface::SysMod::Command::SENSE_BUFFER_SIZE] = {};
+    bool const hasSense = request.senseBuffer != nullptr;
+    carrier.senseBuffer = hasSense ? request.senseBuffer : ownSense;
+    carrier.senseLength = hasSense ? request.senseLength : sizeof ownSense;
     bool const sent = SendSCSICommandEx(node, table, carrier);
+    if (sent) {
+        ATACommandHandler::TakeResultRegisters({carrier.senseBuffer, carrier.senseLength}, request);
+    }
     request.scsiStatus = carrier.scsiStatus;
     request.lowLevelStatus = carrier.lowLevelStatus;
     return sent;

@@ -162,7 +162,7 @@ struct ForeignRequest {
 };
 
 TEST_F(KernelRecords, RequestsOfOtherDriversAreNoRequests) {
-    for (ForeignRequest const& each : {ForeignRequest{0xCC770001, "CSMI 0xCC770001"},
+    for (ForeignRequest const& each : {ForeignRequest{0xCC770001, "CSMI DRIVER INFORMATION"},
                                        ForeignRequest{0xC054420B, "XQRTH_PASSTHRU of a 32-bit program"},
                                        ForeignRequest{0x5401, "unknown"}}) {
         Bytes record(256, 0);

@@ -203,7 +203,7 @@ INSTANTIATE_TEST_SUITE_P(
         ScsiCase{"ReportLogical", "c2 00 00 00 00 00 00 00 00 08 00 00", 8, "good",
                  "00 00 00 00 00 00 00 00"},
         ScsiCase{"ReportPhysical", "c3 02 00 00 00 00 00 00 00 08 00 00", 8, "good",
-                 "00 00 00 00 00 00 00 00"},
+                 "00 00 00 00 02 00 00 00"},
         ScsiCase{"ReadBuffer", "3c 00 00 00 00 00 00 00 00 00", 0, "5/20/0", ""}),
     [](auto const& each) { return each.param.name; });
 

@@ -43,12 +43,13 @@ INSTANTIATE_TEST_SUITE_P(
                     "collect_limit, "
                     "controller_parameters, encryption, family, fast_path, firmware, identify, instance, "
                     "kind, layout, "
-                    "logical_drives, mnp_status, model, name, node_present, pci, power_mode, product, "
+                      "logical_drives, mnp_status, model, name, node_present, pci, physical_devices, power_mode, "
+                     "product, "
                     "redundant_parameters, serial, "
-                    "subsystem, supports_tofu, surface_status"},
-        BadScenario{
-            "UnknownKind", REPLACE("/devices/1/kind", "\"toaster\""),
-            "scenario.devices[1].kind: found \"toaster\", expected one of array_controller, pci_function"},
+                    "subsystem, supports_tofu, surface_status, volumes"},
+        BadScenario{"UnknownKind", REPLACE("/devices/1/kind", "\"toaster\""),
+                    "scenario.devices[1].kind: found \"toaster\", expected one of array_controller, "
+                    "csmi_adapter, pci_function"},
         BadScenario{"NameIsAPath", REPLACE("/devices/0/name", "\"../../etc\""),
                     "scenario.devices[0].name: found \"../../etc\", expected a name of letters, digits, '.', "
                     "'_' and '-'"},

@@ -104,6 +104,15 @@ TEST_F(AdapterDiscovery, GenericNodesAreFoundAtAnyDepthByTheirType) {
     }
 }
 
+TEST_F(AdapterDiscovery, AnArrayBehindASasAdapterIsNotTheAdapter) {
+    addFunction("0000:0c:00.0", "mpt2sas");
+    addGenericNode("0000:0c:00.0/host2/target2:0:0/2:0:0:0", "sg5", "12\n");
+    discover();
+    EXPECT_TRUE(controllers.empty());
+    ASSERT_EQ(plain.size(), 1U);
+    EXPECT_EQ(text(plain, DeviceType), "DUMB_HBA");
+}
+
 TEST_F(AdapterDiscovery, FunctionsThatAreNotWhatTheySeemArePassedOver) {
     struct Row {
         char const* file;

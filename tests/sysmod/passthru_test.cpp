@@ -392,6 +392,41 @@ TEST_F(Passthru, AtaCommandsTravelAsAtaPassThrough16) {
     EXPECT_EQ(system.calls.size(), 6U);
 }
 
+TEST_F(Passthru, AtaRegistersComeBackInTheSenseDataThatHoldsThem) {
+    struct Row {
+        std::vector<unsigned char> sense;
+        std::vector<unsigned char> registers;
+    };
+    std::vector<unsigned char> const whole = {0x72, 0x0B, 0,    0,    0,    0,    0,    18,   0x03,
+                                              0x02, 0,    0,    0x09, 0x0C, 0,    0x41, 0x42, 0x43,
+                                              0x44, 0x45, 0x46, 0x47, 0x48, 0x49, 0x4A, 0x51};
+    auto const with = [&](std::size_t at, unsigned char value) {
+        std::vector<unsigned char> sense = whole;
+        sense[at] = value;
+        return sense;
+    };
+    std::vector<unsigned char> const none(8);
+    for (Row const& row : {Row{whole, {0x41, 0x43, 0x45, 0x47, 0x49, 0x4A, 0x51, 0}},
+                           Row{with(0, 0x70), none},  // fixed format
+                           Row{with(7, 17), none},    // cut off
+                           Row{with(7, 255), {0x41, 0x43, 0x45, 0x47, 0x49, 0x4A, 0x51, 0}},
+                           Row{with(13, 0x0B), none},  // another length than the descriptor has
+                           Row{with(9, 0xFF), none}}) {
+        system.answer = [&](FakeSystem::Call const&, unsigned char* record) {
+            std::copy(row.sense.begin(), row.sense.end(), record + 44);
+            return 0;
+        };
+        std::vector<unsigned char> registers(8);
+        ATARequest request;
+        request.transferType = EnTransferType::None;
+        request.resultRegisters = registers.data();
+        request.resultLength = 8;
+        ASSERT_TRUE(SendATACommand(handleFor("QRTH:0000000000000000"), request));
+        EXPECT_EQ(row.registers, registers);
+        EXPECT_EQ(row.registers[6], request.ataStatus);
+    }
+}
+
 TEST_F(Passthru, TheBigRecordBringsItsOutcomeToo) {
     system.answer = [](FakeSystem::Call const& call, unsigned char* record) {
         EXPECT_EQ(call.request, BIG_PASSTHRU);

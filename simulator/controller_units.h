@@ -1,0 +1,43 @@
+#pragma once
+
+/// Devices and volumes behind an array controller, and the controller's reports of them.
+///
+/// Long form of both reports (byte 1 of the command block is 2): 0 4 length of the list, high byte first;
+/// 4 1 the form; from 8 the entries.
+///   REPORT PHYSICAL LUNS, 32 bytes: 0 8 address; 8 8 SAS address; 16 8 parent's; 24 2 index, high byte
+///   first;
+///                                   26 1 type; 27 1 phy; 28 1 parent's phy
+///   REPORT LOGICAL LUNS, 24 bytes:  0 8 address; 8 16 identity
+/// The short form (byte 1 is 0) has the addresses alone.
+
+#include <optional>
+
+#include "simulator/scsi_target.h"
+
+namespace simulator {
+
+class ControllerUnits {
+  public:
+    /// Reads "physical_devices" and "volumes" of a device. Throws ScenarioError.
+    explicit ControllerUnits(Object const& device);
+
+    /// Answers 0xC2 and 0xC3.
+    Reply report(Command const& command) const;
+    /// What is at an address; null when nothing is. A volume that is hidden from the host also answers to the
+    /// address of one that isn't.
+    ScsiTarget* find(std::array<std::uint8_t, 8> const& address) const;
+
+  private:
+    struct Unit {
+        std::array<std::uint8_t, 8> address{};
+        Bytes entry;  ///< of the long form
+        std::shared_ptr<ScsiTarget> target;
+        bool isVolume = false;
+    };
+    void readPhysical(Value const& value);
+    void readVolume(Value const& value);
+
+    std::vector<Unit> m_units;
+};
+
+}  // namespace simulator

@@ -1,0 +1,83 @@
+#include "simulator/scsi_target.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace simulator {
+
+namespace {
+
+struct Kind {
+    char const* name;
+    std::uint8_t peripheralType;
+    char const* product;
+};
+
+constexpr Kind KINDS[] = {
+    {"drive", 0x00, "VIRTUAL DRIVE"},
+    {"tape", 0x01, "VIRTUAL TAPE"},
+    {"volume", 0x00, "LOGICAL VOLUME"},
+    {"enclosure_processor", 0x0D, "VIRTUAL SEP"},
+    {"array_controller", 0x0C, "VIRTUAL ARRAY"},
+};
+
+struct Name {
+    std::uint8_t code;
+    char const* text;
+};
+
+constexpr Name NAMES[] = {{0x00, "TEST UNIT READY"},
+                          {0x12, "INQUIRY"},
+                          {0xC2, "REPORT LOGICAL LUNS"},
+                          {0xC3, "REPORT PHYSICAL LUNS"}};
+
+}  // namespace
+
+Reply ScsiTarget::execute(Command const& command) {
+    if (command.block.empty()) return checkCondition(5, ASC_INVALID_OPERATION_CODE);
+    switch (command.block[0]) {
+        case 0x00:
+            return {};
+        case 0x12:
+            return inquiry(command, m_identity);
+        default:
+            return checkCondition(5, ASC_INVALID_OPERATION_CODE);
+    }
+}
+
+std::unique_ptr<ScsiTarget> makeScsiTarget(Object const& object, std::uint64_t worldWideName) {
+    std::vector<std::string> names;
+    for (Kind const& kind : KINDS)
+        names.push_back(kind.name);
+    std::string const chosen = object.at("kind").choice(names);
+    Kind const& kind = *std::find_if(std::begin(KINDS), std::end(KINDS),
+                                     [&](Kind const& row) { return row.name == chosen; });
+    InquiryIdentity identity;
+    identity.peripheralType =
+        static_cast<std::uint8_t>(object.numberOr("peripheral_type", kind.peripheralType, 0xFF));
+    identity.vendor = object.textOr("vendor", "VQ", 8);
+    identity.product = object.textOr("product", kind.product, 16);
+    identity.revision = object.textOr("revision", "1.00", 4);
+    identity.serial = object.textOr("serial", "", 32);
+    identity.worldWideName = worldWideName;
+    return std::make_unique<ScsiTarget>(std::move(identity));
+}
+
+std::string scsiName(std::uint8_t operationCode) {
+    for (Name const& name : NAMES)
+        if (name.code == operationCode) return name.text;
+    char text[16];
+    std::snprintf(text, sizeof text, "SCSI 0x%02X", operationCode);
+    return text;
+}
+
+std::array<std::uint8_t, 8> readAddressText(Value const& value) {
+    Bytes bytes;
+    if (!value.json().is_string() || !fromHex(value.text(), bytes) || bytes.size() != 8)
+        value.refuse("an address of sixteen hexadecimal digits");
+    std::array<std::uint8_t, 8> address{};
+    std::copy(bytes.begin(), bytes.end(), address.begin());
+    return address;
+}
+
+}  // namespace simulator
