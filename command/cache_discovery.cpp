@@ -13,11 +13,13 @@ void ProcessStorageAdapterIterator(HandleList& controllers, HandleList& csmiAdap
         return;
     }
     AdapterListCache& lists = adapterListCache();
-    if (!lists.valid) {
+    // Switching the cache off discarded the devices' states: what was found before is asked for anew.
+    if (!lists.valid || !cacheControls().firstDiscoveryFlag) {
         ClearModRootCache();
         Interface::SysMod::Discovery::DiscoverStorageAdapters(lists.controllers, lists.csmiAdapters,
                                                               lists.plainAdapters);
         lists.valid = true;
+        cacheControls().firstDiscoveryFlag = true;
         for (Common::string const& handle : lists.controllers)
             InsertCacheState(handle);
     }

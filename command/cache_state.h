@@ -78,6 +78,7 @@ struct CacheControls {
     bool commandCacheEnabled = false;
     bool defaultCacheFlag = false;  // `enabled` of a device that discovery finds
     bool defaultInheritanceFlag = false;
+    bool firstDiscoveryFlag = false;    // adapters were discovered since the cache was switched on
     bool discoveryRescanOption = true;  // whether discovery may have controllers rescan their buses
 };
 

@@ -33,6 +33,12 @@ bool FileOutcome(SCSIStatus const& outcome, Core::OperationReturn& result) {
     return status == Name::ATTR_VALUE_STATUS_SUCCESS;
 }
 
+bool FileOutcome(ATACommand const& command, Core::OperationReturn& result) {
+    result.Publish(result, Core::Attribute(Name::ATTR_NAME_ATA_RESULT_REGISTERS, command.ResultRegisters()));
+    result.Receive(Core::Attribute(Name::ATTR_NAME_STATUS, Name::ATTR_VALUE_STATUS_FAILURE));
+    return false;
+}
+
 void ArgumentProblem(char const* status, char const* argument, Core::OperationReturn& result) {
     result.Receive(Core::Attribute(Name::ATTR_NAME_STATUS, status));
     result.Receive(Core::Attribute(Name::ATTR_NAME_ARGUMENT_NAME, argument));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "command/ata_command.h"
 #include "command/scsi_status.h"
 #include "core/operation_return.h"
 
@@ -10,6 +11,10 @@ namespace DeviceCommandReturn {
 // device, as attributes with decimal text; and the text that describes it as the status. True when that text
 // is the success text: some statuses are described as success.
 bool FileOutcome(SCSIStatus const& outcome, Core::OperationReturn& result);
+
+// The same for an ATA command, which has no outcome but its result registers: they are filed as one
+// attribute, the status is failure, and the answer false.
+bool FileOutcome(ATACommand const& command, Core::OperationReturn& result);
 
 // Runs a command for an operation. With a result that already failed nothing is sent and the answer is
 // true: a chain of commands stops by itself, and a test of `result` behind it shows the first failure.

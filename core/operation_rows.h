@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include "core/operation_registry.h"
 
 namespace Core {
@@ -25,8 +27,7 @@ DeviceOperationCreatorBase* creatorOf() {
     return new DeviceOperationCreator<Operation>;
 }
 
-template <std::size_t Count>
-void RegisterOperationRows(OperationRow const (&rows)[Count]) {
+inline void RegisterOperationRows(std::span<OperationRow const> rows) {
     for (OperationRow const& row : rows) {
         RegisterSchema(row.deviceType, row.operations());
         if (row.creator != nullptr) RegisterOperation(row.deviceType, row.creator());

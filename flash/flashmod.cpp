@@ -1,31 +1,50 @@
 #include "flash/flashmod.h"
 
 #include "command/scsi_status.h"
-#include "core/operation_rows.h"
 #include "flash/controller_operations.h"
 #include "flash/vocabulary.h"
-#include "storage/schema/array_controller.h"
-#include "storage/vocabulary/device_types.h"
+#include "storage/operation_row.h"
 
 namespace Interface::FlashMod {
 namespace {
 
 using Core::creatorOf;
-using Core::operationsOf;
+using Schema::on;
 
 constexpr Core::OperationRow OPERATIONS[] = {
-    {StorageMod::ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
-     OPERATION_WRITE_FLASH_ARRAY_CONTROLLER_FIRMWARE,
-     creatorOf<Operations::WriteFlashArrayControllerFirmware>},
-    {StorageMod::ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
-     OPERATION_WRITE_TOGGLE_ACTIVE_ROM_IMAGE, creatorOf<Operations::WriteToggleActiveRomImage>},
-    {StorageMod::ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
-     OPERATION_WRITE_SOFT_RESET_ARRAY_CONTROLLER, creatorOf<Operations::WriteSoftResetArrayController>},
-    {StorageMod::ArrayController::ATTR_VALUE_TYPE_ARRAY_CONTROLLER, operationsOf<Schema::ArrayController>,
-     OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE, creatorOf<Operations::WriteBackgroundActivity>},
+    on<Schema::ArrayController>(OPERATION_WRITE_FLASH_ARRAY_CONTROLLER_FIRMWARE,
+                                creatorOf<Operations::WriteFlashArrayControllerFirmware>),
+    on<Schema::ArrayController>(OPERATION_WRITE_FLASH_NVRAM),
+    on<Schema::ArrayController>(OPERATION_READ_NVRAM),
+    on<Schema::ArrayController>(OPERATION_WRITE_FLASH_FBWC),
+    on<Schema::ArrayController>(OPERATION_WRITE_FLASH_SEP_FIRMWARE),
+    on<Schema::ArrayController>(OPERATION_WRITE_TOGGLE_ACTIVE_ROM_IMAGE,
+                                creatorOf<Operations::WriteToggleActiveRomImage>),
+    on<Schema::ArrayController>(OPERATION_WRITE_SOFT_RESET_ARRAY_CONTROLLER,
+                                creatorOf<Operations::WriteSoftResetArrayController>),
+    on<Schema::ArrayController>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE,
+                                creatorOf<Operations::WriteBackgroundActivity>),
+
+    on<Schema::HostBusAdapter>(OPERATION_WRITE_FLASH_SEP_FIRMWARE),
+
+    on<Schema::SEP>(OPERATION_WRITE_FLASH_SEP_FIRMWARE),
+    on<Schema::SEP>(OPERATION_WRITE_RESET_SEP),
+    on<Schema::SEP>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE),
+
+    // The last row's operation is declared for both kinds of drive, and its filter admits the drives of plain
+    // adapters only: an array controller pauses for all of its drives.
+    on<Schema::PhysicalDrive>(OPERATION_WRITE_FLASH_DRIVE_ACTIVE_CARRIER),
+    on<Schema::PhysicalDrive>(OPERATION_WRITE_FLASH_PHYSICAL_DRIVE),
+    on<Schema::PhysicalDrive>(OPERATION_SENSE_DEFERRED_UPDATE_STATUS),
+    on<Schema::PhysicalDrive>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE),
+    on<Schema::NonVaultlinePhysicalDrive>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE),
 };
 
 }  // namespace
+
+std::span<Core::OperationRow const> operationRows() {
+    return OPERATIONS;
+}
 
 void InitializeModule() {
     static bool isInitialized = false;
@@ -33,7 +52,7 @@ void InitializeModule() {
         return;
     }
     isInitialized = true;
-    Core::RegisterOperationRows(OPERATIONS);
+    Core::RegisterOperationRows(operationRows());
     // Exactly the command status 0xFF: it is no wildcard.
     SCSIStatus::AddStatusDescription(0x00FF, 2, 5, 0x2C, SCSIStatus::ANY_BYTE,
                                      OperationReturn::ATTR_VALUE_STATUS_DEVICE_FLASH_ERROR);

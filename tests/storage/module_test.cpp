@@ -1,6 +1,6 @@
 #include "command/controller_command.h"
 #include "core/operation_registry.h"
-#include "storage/operations/bmic_access.h"
+#include "storage/operations/command_access.h"
 #include "storage/operations/discover_controllers.h"
 #include "storage/operations/read_array_controller_info.h"
 #include "storage/schema/adapters.h"

@@ -1,0 +1,63 @@
+#include "storage/operations/command_access.h"
+
+#include <cstdint>
+
+#include "command/ata_command.h"
+#include "command/bmic_command.h"
+#include "command/device_command_return.h"
+#include "command/scsi_command.h"
+#include "common/conversion.h"
+#include "core/device.h"
+#include "core/tolkmod.h"
+
+namespace Operations {
+
+namespace Status = Interface::TOLKMod::OperationReturn;
+
+template <class Target>
+Core::FilterReturn FilterTarget<Target>::applyImpl(Common::shared_ptr<Core::Device> device) const {
+    Core::FilterReturn verdict;
+    if (dynamic_cast<Target const*>(device.get()) == nullptr) {
+        verdict =
+            Interface::TOLKMod::UnavailableOperationReason::ATTR_VALUE_UNAVAILABLE_REASON_NOT_APPLICABLE;
+    }
+    return verdict;
+}
+
+template <char const* const& Name, Core::DeviceOperation::EnType Type, class Command, class Target,
+          char const* const& Argument>
+Core::OperationReturn CommandOperation<Name, Type, Command, Target, Argument>::visit(Core::Device& device) {
+    Core::OperationReturn result;
+    if (!this->hasArgument(Argument)) {
+        DeviceCommandReturn::ArgumentProblem(Status::ATTR_VALUE_STATUS_ARGUMENT_MISSING, Argument, result);
+        return result;
+    }
+    auto* const command = reinterpret_cast<Command*>(
+        static_cast<std::uintptr_t>(Conversion::toNumber<unsigned long long>(this->getArgValue(Argument))));
+    if (command == nullptr) {
+        DeviceCommandReturn::ArgumentProblem(Status::ATTR_VALUE_STATUS_ARGUMENT_INVALID, Argument, result);
+        return result;
+    }
+    Target* const target = dynamic_cast<Target*>(&device);
+    if (target == nullptr) {
+        return Core::OperationReturn(Status::ATTR_VALUE_STATUS_PERFORM_NOT_REACHABLE);
+    }
+    DeviceCommandReturn::executeCommand(*command, *target, result);
+    return result;
+}
+
+namespace Names = Interface::StorageMod;
+using Core::DeviceOperation;
+
+template class CommandOperation<Names::OPERATION_READ_BMIC_COMMAND, DeviceOperation::eRead, BmicCommand,
+                                BMICDevice, Names::Device::ATTR_NAME_BMIC_COMMAND>;
+template class CommandOperation<Names::OPERATION_WRITE_BMIC_COMMAND, DeviceOperation::eWrite, BmicCommand,
+                                BMICDevice, Names::Device::ATTR_NAME_BMIC_COMMAND>;
+template class CommandOperation<Names::OPERATION_READ_SCSI_COMMAND, DeviceOperation::eRead, ScsiCommand,
+                                SCSIDevice, Names::Device::ATTR_NAME_SCSI_COMMAND>;
+template class CommandOperation<Names::OPERATION_WRITE_SCSI_COMMAND, DeviceOperation::eWrite, ScsiCommand,
+                                SCSIDevice, Names::Device::ATTR_NAME_SCSI_COMMAND>;
+template class CommandOperation<Names::OPERATION_SEND_ATA_COMMAND, DeviceOperation::eWrite, ATACommand,
+                                ATADevice, Names::Device::ATTR_NAME_ATA_COMMAND>;
+
+}  // namespace Operations

@@ -1,0 +1,107 @@
+// Which operations exist for which device type, in the order in which they are registered.
+
+#include "storage/storagemod.h"
+
+#include "tests/storage/storage_fixture.h"
+
+namespace storage_test {
+namespace {
+
+/// Device type, and operation; " *" where it can be switched on, which takes its class.
+constexpr std::pair<char const*, char const*> EXPECTED[] = {
+    {"MOD_ROOT", "DISCOVER_ARRAY_CONTROLLERS *"},
+    {"MOD_ROOT", "DISCOVER_FAILED_ARRAY_CONTROLLERS *"},
+    {"MOD_ROOT", "DISCOVER_HOST_BUS_ADAPTERS *"},
+    {"MOD_ROOT", "WRITE_ALLOWED_CONTROLLER_DISCOVERY *"},
+    {"MOD_ROOT", "WRITE_SET_CAPABILITY_MASK *"},
+    {"MOD_ROOT", "WRITE_CACHE_SETTINGS *"},
+    {"MOD_ROOT", "DISCOVER_CACHING_MANAGER"},
+    {"CACHING_MANAGER", "DISCOVER_CACHING_MANAGER_CACHE_VOL"},
+    {"CACHING_MANAGER", "DISCOVER_CACHING_MANAGER_DATA_VOL"},
+    {"CACHING_MANAGER", "DISCOVER_CACHING_MANAGER_CVA"},
+    {"ARRAY", "ASSOCIATION_ARRAY_PHYSICAL_DRIVE"},
+    {"ARRAY", "DISCOVER_LOGICAL_DRIVES"},
+    {"ARRAY", "READ_ARRAY_INFO"},
+    {"ARRAY", "WRITE_DEVICE_BLINK"},
+    {"ARRAY_CONTROLLER", "DISCOVER_REMOTE_VOLUMES"},
+    {"ARRAY_CONTROLLER", "DISCOVER_ARRAYS"},
+    {"ARRAY_CONTROLLER", "DISCOVER_EXPANDERS"},
+    {"ARRAY_CONTROLLER", "DISCOVER_PHYSICAL_DRIVES"},
+    {"ARRAY_CONTROLLER", "DISCOVER_SEPS"},
+    {"ARRAY_CONTROLLER", "DISCOVER_STORAGE_ENCLOSURES"},
+    {"ARRAY_CONTROLLER", "DISCOVER_TAPE_DRIVES"},
+    {"ARRAY_CONTROLLER", "DISCOVER_PAIRED_CONTROLLERS"},
+    {"ARRAY_CONTROLLER", "READ_ARRAY_CONTROLLER_INFO *"},
+    {"ARRAY_CONTROLLER", "READ_BMIC_COMMAND *"},
+    {"ARRAY_CONTROLLER", "WRITE_BMIC_COMMAND *"},
+    {"ARRAY_CONTROLLER", "WRITE_REENUMERATE *"},
+    {"ARRAY_CONTROLLER", "READ_ARRAY_CONTROLLER_BOOTABLE_STATUS"},
+    {"ARRAY_CONTROLLER", "DISCOVER_EXTERNAL_ARRAY_CONTROLLERS"},
+    {"ARRAY_CONTROLLER", "DISCOVER_STORAGE_VOLUMES"},
+    {"ARRAY_CONTROLLER", "READ_SCSI_COMMAND *"},
+    {"ARRAY_CONTROLLER", "WRITE_SCSI_COMMAND *"},
+    {"ARRAY_CONTROLLER", "WRITE_DEVICE_BLINK"},
+    {"ARRAY_CONTROLLER", "READ_DEVICE_LED_INFO"},
+    {"ARRAY_CONTROLLER", "WRITE_CACHE_SETTINGS *"},
+    {"ARRAY_CONTROLLER", "ASSOCIATION_ARRAY_CONTROLLER_PHYSICAL_DRIVE"},
+    {"DRIVE_CAGE", "DISCOVER_PHYSICAL_DRIVES"},
+    {"DRIVE_CAGE", "DISCOVER_TAPE_DRIVES"},
+    {"DRIVE_CAGE", "WRITE_DEVICE_BLINK"},
+    {"EXPANDER", "DISCOVER_PHYS"},
+    {"LOGICAL_DRIVE", "DISCOVER_MIRROR_GROUPS"},
+    {"LOGICAL_DRIVE", "DISCOVER_PARITY_GROUPS"},
+    {"LOGICAL_DRIVE", "READ_EXPAND_REBUILD_INFO"},
+    {"LOGICAL_DRIVE", "READ_LOGICAL_DRIVE_INFO"},
+    {"LOGICAL_DRIVE", "READ_SCSI_COMMAND *"},
+    {"LOGICAL_DRIVE", "WRITE_SCSI_COMMAND *"},
+    {"LOGICAL_DRIVE", "WRITE_DEVICE_BLINK"},
+    {"MIRROR_GROUP", "ASSOCIATION_MIRROR_GROUP_PHYSICAL_DRIVE"},
+    {"PARITY_GROUP", "ASSOCIATION_PARITY_GROUP_PHYSICAL_DRIVE"},
+    {"PHYSICAL_DRIVE", "READ_PHYSICAL_DRIVE_INFO"},
+    {"PHYSICAL_DRIVE", "READ_EXTENDED_INFO"},
+    {"PHYSICAL_DRIVE", "READ_SCSI_COMMAND *"},
+    {"PHYSICAL_DRIVE", "WRITE_SCSI_COMMAND *"},
+    {"PHYSICAL_DRIVE", "DISCOVER_PHYS"},
+    {"PHYSICAL_DRIVE", "ASSOCIATION_PHYSICAL_DRIVE_PHYSICAL_DRIVE"},
+    {"PHYSICAL_DRIVE", "WRITE_DEVICE_BLINK"},
+    {"PHYSICAL_DRIVE", "SEND_ATA_COMMAND *"},
+    {"NON_VAULTLINE_PHYSICAL_DRIVE", "READ_EXTENDED_INFO"},
+    {"NON_VAULTLINE_PHYSICAL_DRIVE", "SEND_ATA_COMMAND *"},
+    {"NON_VAULTLINE_PHYSICAL_DRIVE", "WRITE_SCSI_COMMAND *"},
+    {"SEP", "DISCOVER_PHYS"},
+    {"SEP", "READ_SCSI_COMMAND *"},
+    {"SEP", "WRITE_SCSI_COMMAND *"},
+    {"STORAGE_ENCLOSURE", "DISCOVER_DRIVE_CAGES"},
+    {"STORAGE_ENCLOSURE", "DISCOVER_EXPANDERS"},
+    {"STORAGE_ENCLOSURE", "DISCOVER_SEPS"},
+    {"STORAGE_ENCLOSURE", "DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES"},
+    {"STORAGE_ENCLOSURE", "WRITE_DEVICE_BLINK"},
+    {"HBA", "DISCOVER_STORAGE_ENCLOSURES"},
+    {"HBA", "DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES"},
+    {"HBA", "DISCOVER_STORAGE_VOLUMES"},
+    {"STORAGE_VOLUME", "ASSOCIATION_STORAGE_VOLUME_DEVICE"},
+    {"STORAGE_VOLUME", "DISCOVER_DISK_EXTENTS"},
+    {"REMOTE_VOLUME", "ASSOCIATION_REMOTE_VOLUME_EXTERNAL_CONTROLLER"},
+};
+
+TEST(OperationRows, AreAllThereInTheirOrder) {
+    auto const rows = Interface::StorageMod::operationRows();
+    ASSERT_EQ(std::size(EXPECTED), rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        EXPECT_EQ(std::string("ATTR_VALUE_TYPE_") + EXPECTED[i].first, rows[i].deviceType);
+        EXPECT_EQ(std::string("OPERATION_") + EXPECTED[i].second,
+                  std::string(rows[i].operationName) + (rows[i].creator != nullptr ? " *" : ""));
+    }
+}
+
+/// A creator under another operation's name would switch on the wrong operation without a word.
+TEST(OperationRows, CreateTheOperationThatTheyName) {
+    for (Core::OperationRow const& row : Interface::StorageMod::operationRows()) {
+        if (row.creator == nullptr) continue;
+        std::unique_ptr<Core::DeviceOperationCreatorBase> const creator(row.creator());
+        EXPECT_EQ(row.operationName, str(creator->createOperationPtr()->name()));
+    }
+}
+
+}  // namespace
+}  // namespace storage_test
