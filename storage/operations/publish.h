@@ -1,21 +1,22 @@
 #pragma once
 
 #include <climits>
-#include <cstdio>
-#include <string_view>
+#include <cstddef>
 
 #include "command/endian.h"
 #include "common/conversion.h"
-#include "common/debug_logger.h"
 #include "common/string.h"
 #include "core/device.h"
+#include "storage/schema/code_table.h"
 #include "storage/schema/identity.h"
 
 /// What the operations that turn records into attributes share.
 namespace Operations {
 
+using Schema::CodeRow;
 using Schema::decimalText;
 using Schema::publish;
+using Schema::valueOf;
 
 /// A number of a record that its command leaves in wire order.
 template <typename Number>
@@ -92,23 +93,5 @@ void publishRows(Core::Device& device, FlagRow<Record> const (&rows)[Count], Rec
 #define KSL_SETTING(attribute)                                             \
     Names::ATTR_NAME_##attribute, Names::ATTR_VALUE_##attribute##_ENABLED, \
         Names::ATTR_VALUE_##attribute##_DISABLED
-
-/// The value that a code of a record stands for.
-struct CodeRow {
-    unsigned code;
-    char const* value;
-};
-
-/// The value of a code that no row has is `unknown`, and the log tells the code.
-template <std::size_t Count>
-Common::string codeText(CodeRow const (&rows)[Count], unsigned code, char const* unknown) {
-    for (CodeRow const& row : rows) {
-        if (row.code == code) {
-            return row.value;
-        }
-    }
-    Common::DebugLogger::LogCommand("Code %u not known; it becomes %s", code, unknown);
-    return unknown;
-}
 
 }  // namespace Operations

@@ -75,8 +75,12 @@ constexpr PublishRow<CACHE_CONFIG_STATUS> CACHE_ROWS[] = {
     {Names::ATTR_NAME_CACHE_SIZE_WRITE, [](auto& r) { return decimalText(r.wWriteCacheSize); }},
     {Names::ATTR_NAME_CACHE_STATUS,
      [](auto& r) {
-         return codeText(CACHE_STATUSES, r.bDisableFlag, Names::ATTR_VALUE_CACHE_STATUS_UNKNOWN);
+         return Common::string(
+             valueOf(CACHE_STATUSES, r.bDisableFlag, Names::ATTR_VALUE_CACHE_STATUS_UNKNOWN));
      }},
+    {Names::ATTR_NAME_CACHE_DISABLE_CODE,
+     [](auto& r) { return Schema::ArrayController::cacheDisableCode(r.wCacheDisableCode); },
+     KSL_END(wCacheDisableCode)},
     {Names::ATTR_NAME_CACHE_PARITY_READ_ERRORS, [](auto& r) { return decimalText(r.wParityReadErrors); },
      KSL_END(wParityReadErrors)},
     {Names::ATTR_NAME_CACHE_PARITY_WRITE_ERRORS, [](auto& r) { return decimalText(r.wParityWriteErrors); },
@@ -94,7 +98,9 @@ constexpr PublishRow<CACHE_CONFIG_STATUS> CACHE_ROWS[] = {
     {Names::ATTR_NAME_CACHE_SIZE_SHIFT_FACTOR, [](auto& r) { return decimalText(r.bMemorySizeShiftFactor); },
      KSL_END(bMemorySizeShiftFactor)},
     {Names::ATTR_NAME_CACHE_STATE,
-     [](auto& r) { return codeText(CACHE_STATES, r.bMemoryState, Names::ATTR_VALUE_CACHE_STATE_UNKNOWN); },
+     [](auto& r) {
+         return Common::string(valueOf(CACHE_STATES, r.bMemoryState, Names::ATTR_VALUE_CACHE_STATE_UNKNOWN));
+     },
      KSL_END(bMemoryState)},
     {Names::ATTR_NAME_CACHE_AUTO_REVISION, [](auto& r) { return decimalText(r.bCacheAutoRev); },
      KSL_END(bCacheAutoRev)},
@@ -134,9 +140,9 @@ constexpr PublishRow<CACHE_CONFIG_STATUS> CACHE_SIZE_ROWS[] = {
      KSL_END(wNonBatteryBackedMemorySize)},
     {Names::ATTR_NAME_BATTERY_STATUS,
      [](auto& r) {
-         return r.wBatteryCount == 0
-                    ? Common::string(Names::ATTR_VALUE_BATTERY_STATUS_NOT_PRESENT)
-                    : codeText(BATTERY_STATUSES, r.wBatteryStatus, Names::ATTR_VALUE_BATTERY_STATUS_UNKNOWN);
+         return Common::string(r.wBatteryCount == 0 ? Names::ATTR_VALUE_BATTERY_STATUS_NOT_PRESENT
+                                                    : valueOf(BATTERY_STATUSES, r.wBatteryStatus,
+                                                              Names::ATTR_VALUE_BATTERY_STATUS_UNKNOWN));
      },
      KSL_END(wBatteryStatus)},
 };

@@ -3,10 +3,9 @@
 #include "storage/operations/publish.h"
 #include "storage/operations/read_array_controller_info.h"
 #include "storage/schema/array_controller.h"
-#include "storage/vocabulary/array_names.h"
-#include "storage/vocabulary/device_types.h"
-#include "storage/vocabulary/logical_drive_names.h"
-#include "storage/vocabulary/physical_drive_names.h"
+#include "storage/vocabulary/array.h"
+#include "storage/vocabulary/logical_drive.h"
+#include "storage/vocabulary/physical_drive.h"
 
 namespace Operations {
 namespace {
@@ -19,8 +18,7 @@ struct Criterion {
     char const* value = nullptr;
 };
 
-/// What is counted: devices of a type that fit the criteria, by the text of their attributes. The values
-/// are published by the operations that read these devices.
+/// What is counted: devices of a type that fit the criteria, by the text of their attributes.
 struct CountRow {
     char const* count;
     char const* type;
@@ -29,37 +27,39 @@ struct CountRow {
 };
 
 constexpr Criterion USED_FOR_DATA = {LogicalDrive::ATTR_NAME_LOGICAL_DRIVE_TYPE,
-                                     "ATTR_VALUE_LOGICAL_DRIVE_TYPE_DATA"};
+                                     LogicalDrive::ATTR_VALUE_LOGICAL_DRIVE_TYPE_DATA};
 
 constexpr CountRow COUNTS[] = {
     {Names::ATTR_NAME_ARRAY_COUNT, Array::ATTR_VALUE_TYPE_ARRAY},
     {Names::ATTR_NAME_CACHE_ARRAY_COUNT,
      Array::ATTR_VALUE_TYPE_ARRAY,
-     {Array::ATTR_NAME_ARRAY_TYPE, "ATTR_VALUE_ARRAY_TYPE_CACHE"}},
+     {Array::ATTR_NAME_ARRAY_TYPE, Array::ATTR_VALUE_ARRAY_TYPE_CACHE}},
     {Names::ATTR_NAME_DATA_LOGICAL_DRIVE_COUNT, LogicalDrive::ATTR_VALUE_TYPE_LOGICAL_DRIVE, USED_FOR_DATA},
     {Names::ATTR_NAME_CACHE_LOGICAL_DRIVE_COUNT,
      LogicalDrive::ATTR_VALUE_TYPE_LOGICAL_DRIVE,
-     {LogicalDrive::ATTR_NAME_LOGICAL_DRIVE_TYPE, "ATTR_VALUE_LOGICAL_DRIVE_TYPE_CACHE"}},
+     {LogicalDrive::ATTR_NAME_LOGICAL_DRIVE_TYPE, LogicalDrive::ATTR_VALUE_LOGICAL_DRIVE_TYPE_CACHE}},
     {Names::ATTR_NAME_ENCRYPTED_DATA_LOGICAL_DRIVE_COUNT,
      LogicalDrive::ATTR_VALUE_TYPE_LOGICAL_DRIVE,
      USED_FOR_DATA,
-     {LogicalDrive::ATTR_NAME_LOGICAL_DRIVE_ENCRYPTION, "ATTR_VALUE_LOGICAL_DRIVE_ENCRYPTION_TRUE"}},
+     {LogicalDrive::ATTR_NAME_LOGICAL_DRIVE_ENCRYPTION,
+      LogicalDrive::ATTR_VALUE_LOGICAL_DRIVE_ENCRYPTION_TRUE}},
     {Names::ATTR_NAME_PHYSICAL_DRIVE_COUNT, PhysicalDrive::ATTR_VALUE_TYPE_PHYSICAL_DRIVE},
     {Names::ATTR_NAME_DATA_PHYSICAL_DRIVE_COUNT,
      PhysicalDrive::ATTR_VALUE_TYPE_PHYSICAL_DRIVE,
-     {PhysicalDrive::ATTR_NAME_DRIVE_TYPE, "ATTR_VALUE_DRIVE_TYPE_DATA"}},
+     {PhysicalDrive::ATTR_NAME_DRIVE_TYPE, PhysicalDrive::ATTR_VALUE_DRIVE_TYPE_DATA}},
     {Names::ATTR_NAME_CACHE_PHYSICAL_DRIVE_COUNT,
      PhysicalDrive::ATTR_VALUE_TYPE_PHYSICAL_DRIVE,
-     {PhysicalDrive::ATTR_NAME_DRIVE_TYPE, "ATTR_VALUE_DRIVE_TYPE_CACHE"}},
+     {PhysicalDrive::ATTR_NAME_DRIVE_TYPE, PhysicalDrive::ATTR_VALUE_DRIVE_TYPE_CACHE}},
     {Names::ATTR_NAME_SPARE_PHYSICAL_DRIVE_COUNT,
      PhysicalDrive::ATTR_VALUE_TYPE_PHYSICAL_DRIVE,
-     {PhysicalDrive::ATTR_NAME_DRIVE_TYPE, "ATTR_VALUE_DRIVE_TYPE_SPARE"}},
+     {PhysicalDrive::ATTR_NAME_DRIVE_TYPE, PhysicalDrive::ATTR_VALUE_DRIVE_TYPE_SPARE}},
     {Names::ATTR_NAME_UNASSIGNED_PHYSICAL_DRIVE_COUNT,
      PhysicalDrive::ATTR_VALUE_TYPE_PHYSICAL_DRIVE,
-     {PhysicalDrive::ATTR_NAME_DRIVE_TYPE, "ATTR_VALUE_DRIVE_TYPE_UNASSIGNED"}},
+     {PhysicalDrive::ATTR_NAME_DRIVE_TYPE, PhysicalDrive::ATTR_VALUE_DRIVE_TYPE_UNASSIGNED}},
     {Names::ATTR_NAME_ENCRYPTION_PHYSICAL_DRIVE_COUNT,
      PhysicalDrive::ATTR_VALUE_TYPE_PHYSICAL_DRIVE,
-     {PhysicalDrive::ATTR_NAME_ENCRYPTION_ENCRYPTED_DRIVE, "ATTR_VALUE_ENCRYPTION_ENCRYPTED_DRIVE_TRUE"}},
+     {PhysicalDrive::ATTR_NAME_ENCRYPTION_ENCRYPTED_DRIVE,
+      PhysicalDrive::ATTR_VALUE_ENCRYPTION_ENCRYPTED_DRIVE_TRUE}},
 };
 
 void restrict(Core::DeviceFinder& finder, Criterion const& criterion) {

@@ -145,8 +145,8 @@ void publishControllerAndHBAModeInfo(Schema::ArrayController& controller,
 
 void publishDisabledConfigInfo(Schema::ArrayController& controller, IDENTIFY_CONTROLLER const& identify) {
     publish(controller, Names::ATTR_NAME_CONTROLLER_DISABLED_CONFIG_STATUS,
-            codeText(DISABLED_CONFIG_STATUSES, identify.bExpandDisableCode,
-                     Names::ATTR_VALUE_CONTROLLER_DISABLED_CONFIG_STATUS_UNKNOWN));
+            valueOf(DISABLED_CONFIG_STATUSES, identify.bExpandDisableCode,
+                    Names::ATTR_VALUE_CONTROLLER_DISABLED_CONFIG_STATUS_UNKNOWN));
 }
 
 }  // namespace Operations

@@ -25,6 +25,14 @@ constexpr PublishRow<CONTROLLER_PARAMETERS> PARAMETER_ROWS[] = {
     {Names::ATTR_NAME_POST_PROMPT_TIMEOUT, [](auto& r) { return decimalText(r.bPOSTPromptTimeout); }},
     {Names::ATTR_NAME_BOOT_VOLUME_PRIMARY, [](auto& r) { return memberText(r.sPrimaryBootLUN); }},
     {Names::ATTR_NAME_BOOT_VOLUME_SECONDARY, [](auto& r) { return memberText(r.sSecondaryBootLUN); }},
+    {Names::ATTR_NAME_FORCED_TRANSFER_MODE,
+     [](auto& r) { return Schema::ArrayController::forcedTransferMode(r.bForcedTransferMode); }},
+    {Names::ATTR_NAME_FORCED_TRANSFER_WIDTH,
+     [](auto& r) { return Schema::ArrayController::forcedTransferWidth(r.bForcedTransferWidth); }},
+    {Names::ATTR_NAME_DEVICE_PATH_SELECTION_METHOD,
+     [](auto& r) {
+         return Schema::ArrayController::devicePathSelectionMethod(r.bDevicePathSelectionMethod);
+     }},
     {Names::ATTR_NAME_FLEXIBLE_LATENCY_SCHEDULER_SETTING,
      [](auto& r) { return decimalText(r.bElevatorLatencySetting); }, KSL_END(bElevatorLatencySetting)},
 };
@@ -76,16 +84,18 @@ Common::string supportedModes(std::uint8_t map) {
 constexpr PublishRow<REDUNDANT_CONTROLLER_PARAMETERS> REDUNDANCY_ROWS[] = {
     {Names::ATTR_NAME_REDUNDANCY_MODE,
      [](auto& r) {
-         return codeText(REDUNDANCY_MODES, r.bCurrentControllerMode,
-                         Names::ATTR_VALUE_REDUNDANCY_MODE_UNKNOWN);
+         return Common::string(
+             valueOf(REDUNDANCY_MODES, r.bCurrentControllerMode, Names::ATTR_VALUE_REDUNDANCY_MODE_UNKNOWN));
      }},
     {Names::ATTR_NAME_REDUNDANCY_MODES_SUPPORTED,
      [](auto& r) { return supportedModes(r.bSupportedControllerModes); }},
     {Names::ATTR_NAME_REDUNDANCY_STATUS,
      [](auto& r) {
-         return codeText(REDUNDANCY_STATUSES, r.bControllerStatus,
-                         Names::ATTR_VALUE_REDUNDANCY_STATUS_UNKNOWN);
+         return Common::string(
+             valueOf(REDUNDANCY_STATUSES, r.bControllerStatus, Names::ATTR_VALUE_REDUNDANCY_STATUS_UNKNOWN));
      }},
+    {Names::ATTR_NAME_REDUNDANCY_STATE,
+     [](auto& r) { return Schema::ArrayController::redundancyFailReason(r.bRedundantFailureReason); }},
 };
 
 constexpr FlagRow<REDUNDANT_CONTROLLER_PARAMETERS> REDUNDANCY_FLAGS[] = {
@@ -94,6 +104,15 @@ constexpr FlagRow<REDUNDANT_CONTROLLER_PARAMETERS> REDUNDANCY_FLAGS[] = {
 
 constexpr PublishRow<Records::SURFACE_STATUS> SURFACE_ROWS[] = {
     {Names::ATTR_NAME_SURFACE_ANALYSIS_DELAY, [](auto& r) { return decimalText(r.wScanDelay); }},
+    {Names::ATTR_NAME_SURFACE_ANALYSIS_PRIORITY,
+     [](auto& r) { return Schema::ArrayController::surfaceAnalysisPriority(r.bAnalysisPriority); }},
+};
+
+constexpr std::uint8_t AGGRESSIVE_SCAN = 1U << 1;
+
+constexpr FlagRow<Records::SURFACE_STATUS> SURFACE_FLAGS[] = {
+    {KSL_FACT(SURFACE_ANALYSIS_MODE_AGGRESSIVE),
+     [](auto& r) { return (r.bScanState & AGGRESSIVE_SCAN) != 0; }},
 };
 
 constexpr PublishRow<Records::MNP_STATUS> MNP_ROWS[] = {
@@ -108,12 +127,19 @@ void publishRedundantControllerParameters(Schema::ArrayController& controller,
     publishRows(controller, REDUNDANCY_FLAGS, parameters);
 }
 
-void publishParameterInfo(Schema::ArrayController& controller, CONTROLLER_PARAMETERS const& parameters) {
+void publishParameterInfo(Schema::ArrayController& controller, CONTROLLER_PARAMETERS const& parameters,
+                          unsigned short taskFlags) {
     // Every record has the members up to the one that tells its length.
     unsigned const reach =
         std::max<unsigned>(parameters.dwTotalStructureLength, KSL_END(dwTotalStructureLength));
     publishRows(controller, PARAMETER_ROWS, parameters, reach);
     publishRows(controller, PARAMETER_FLAGS, parameters, reach);
+    bool const isRapid = controller.hasAttributeAndIs(Names::ATTR_NAME_RAPID_REBUILD_SUPPORTED,
+                                                      Names::ATTR_VALUE_RAPID_REBUILD_SUPPORTED_TRUE);
+    publishOrClear(controller, Names::ATTR_NAME_EXPAND_PRIORITY,
+                   Schema::ArrayController::expandPriority(taskFlags, parameters.bExpandPriority));
+    publishOrClear(controller, Names::ATTR_NAME_REBUILD_PRIORITY,
+                   Schema::ArrayController::rebuildPriority(isRapid, taskFlags, parameters.bRebuildPriority));
     Common::string const family = controller.getValueFor(Names::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY);
     if (family == Names::ATTR_VALUE_CONTROLLER_FIRMWARE_FAMILY_QBX_FIR ||
         family == Names::ATTR_VALUE_CONTROLLER_FIRMWARE_FAMILY_QBX_HARRIER) {
@@ -123,6 +149,7 @@ void publishParameterInfo(Schema::ArrayController& controller, CONTROLLER_PARAME
 
 void publishSurfaceStatusInfo(Schema::ArrayController& controller, Records::SURFACE_STATUS const& surface) {
     publishRows(controller, SURFACE_ROWS, surface);
+    publishRows(controller, SURFACE_FLAGS, surface);
 }
 
 void publishMNPStatusInfo(Schema::ArrayController& controller, Records::MNP_STATUS const& status) {

@@ -145,8 +145,8 @@ void readStage(Schema::ArrayController& controller, Core::OperationReturn& resul
     }
 }
 
-void readArrayModeRecords(Schema::ArrayController& controller, Common::string const& family,
-                          Core::OperationReturn& result) {
+void readArrayModeRecords(Schema::ArrayController& controller, IDENTIFY_CONTROLLER const& identify,
+                          Common::string const& family, Core::OperationReturn& result) {
     Common::string const location = controller.getValueFor(Names::ATTR_NAME_LOCATION);
     Records::SUBSYSTEM_PARAMETERS subsystem = {};
     readStage<SenseControllerCommand<SenseSubsystemInformationTrait>>(
@@ -164,8 +164,11 @@ void readArrayModeRecords(Schema::ArrayController& controller, Common::string co
             publishAcceleratorInfo(device, record, subsystem);
         });
     if (location == Names::ATTR_VALUE_LOCATION_LOCAL) {
-        readStage<SenseControllerCommand<SenseControllerParametersTrait>>(controller, result,
-                                                                          publishParameterInfo);
+        readStage<SenseControllerCommand<SenseControllerParametersTrait>>(
+            controller, result,
+            [&](Schema::ArrayController& device, Records::CONTROLLER_PARAMETERS const& record) {
+                publishParameterInfo(device, record, identify.wTaskFlags);
+            });
     }
     readStage<SenseControllerCommand<SenseSurfaceStatusTrait>>(controller, result, publishSurfaceStatusInfo);
     if (family != Names::ATTR_VALUE_CONTROLLER_FIRMWARE_FAMILY_QBX_FIR) {
@@ -227,7 +230,7 @@ Core::OperationReturn ReadArrayControllerInfo::visit(Schema::ArrayController& co
     checkConfigurationVersions(controller, identify);
     publishIdentifyInfo(controller, identify);
     if (isVaultlineMode(identify)) {
-        readArrayModeRecords(controller, family, result);
+        readArrayModeRecords(controller, identify, family, result);
         if (result) {
             readEncryptionInfo(controller);
             readPowerInfo(controller);

@@ -42,8 +42,9 @@ void publishAcceleratorInfo(Schema::ArrayController& controller, Records::CACHE_
                             Records::SUBSYSTEM_PARAMETERS const& subsystem);
 void publishCacheSizeInfo(Schema::ArrayController& controller, Records::CACHE_CONFIG_STATUS const& cache,
                           Records::SUBSYSTEM_PARAMETERS const& subsystem);
+/// `taskFlags` of the identify record, in host order: which of the priorities can be set.
 void publishParameterInfo(Schema::ArrayController& controller,
-                          Records::CONTROLLER_PARAMETERS const& parameters);
+                          Records::CONTROLLER_PARAMETERS const& parameters, unsigned short taskFlags);
 void publishSurfaceStatusInfo(Schema::ArrayController& controller, Records::SURFACE_STATUS const& surface);
 void publishMNPStatusInfo(Schema::ArrayController& controller, Records::MNP_STATUS const& status);
 /// Counts of the arrays and drives behind the controller by their use.

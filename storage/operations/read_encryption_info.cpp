@@ -70,7 +70,9 @@ constexpr PublishRow<ENCRYPTION_PASSWORD_STATUS> PASSWORD_ROWS[] = {
 
 constexpr PublishRow<ENCRYPTION_KEY_MANAGER_STATUS> KEY_MANAGER_ROWS[] = {
     {Names::ATTR_NAME_ENCRYPTION_MODE,
-     [](auto& r) { return codeText(MODES, r.bMode, Names::ATTR_VALUE_ENCRYPTION_MODE_UNKNOWN); }},
+     [](auto& r) {
+         return Common::string(valueOf(MODES, r.bMode, Names::ATTR_VALUE_ENCRYPTION_MODE_UNKNOWN));
+     }},
 };
 
 constexpr FlagRow<ENCRYPTION_KEY_MANAGER_STATUS> KEY_MANAGER_FLAGS[] = {

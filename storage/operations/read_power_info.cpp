@@ -26,13 +26,13 @@ constexpr CodeRow OPERATIONAL_MODES[] = {
 constexpr PublishRow<GET_POWER_MODE> MODE_ROWS[] = {
     {Names::ATTR_NAME_POWER_MODE_CONFIGURED,
      [](auto& r) {
-         return codeText(CONFIGURED_MODES, r.bPendingPowerMode,
-                         Names::ATTR_VALUE_POWER_MODE_CONFIGURED_UNKNOWN);
+         return Common::string(
+             valueOf(CONFIGURED_MODES, r.bPendingPowerMode, Names::ATTR_VALUE_POWER_MODE_CONFIGURED_UNKNOWN));
      }},
     {Names::ATTR_NAME_POWER_MODE_OPERATIONAL,
      [](auto& r) {
-         return codeText(OPERATIONAL_MODES, r.bCurrentPowerMode,
-                         Names::ATTR_VALUE_POWER_MODE_OPERATIONAL_UNKNOWN);
+         return Common::string(valueOf(OPERATIONAL_MODES, r.bCurrentPowerMode,
+                                       Names::ATTR_VALUE_POWER_MODE_OPERATIONAL_UNKNOWN));
      }},
 };
 
