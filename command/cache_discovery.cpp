@@ -13,15 +13,18 @@ void ProcessStorageAdapterIterator(HandleList& controllers, HandleList& csmiAdap
         return;
     }
     AdapterListCache& lists = adapterListCache();
-    // Switching the cache off discarded the devices' states: what was found before is asked for anew.
-    if (!lists.valid || !cacheControls().firstDiscoveryFlag) {
+    if (!lists.valid) {
         ClearModRootCache();
         Interface::SysMod::Discovery::DiscoverStorageAdapters(lists.controllers, lists.csmiAdapters,
                                                               lists.plainAdapters);
         lists.valid = true;
-        cacheControls().firstDiscoveryFlag = true;
+        cacheControls().firstDiscoveryFlag = false;
+    }
+    // Switching the cache off discards the states and the flag, but not the lists.
+    if (!cacheControls().firstDiscoveryFlag) {
         for (Common::string const& handle : lists.controllers)
             InsertCacheState(handle);
+        cacheControls().firstDiscoveryFlag = true;
     }
     controllers = lists.controllers;
     csmiAdapters = lists.csmiAdapters;

@@ -18,6 +18,7 @@ class WriteFlashArrayControllerFirmware
                                   Core::DeviceOperation::eWrite, FilterFirmwareLock,
                                   Schema::VisitorArrayController> {
   public:
+    using NamedOperation::visit;
     Core::OperationReturn visit(Schema::ArrayController& controller) override;
     /// Offers ATTR_NAME_FIRMWARE_FILE_NAME, and ATTR_NAME_TOFU where the controller can update without
     /// downtime.
@@ -31,6 +32,7 @@ class WriteSoftResetArrayController
                                   Core::DeviceOperation::eWrite, FilterPresence,
                                   Schema::VisitorArrayController> {
   public:
+    using NamedOperation::visit;
     Core::OperationReturn visit(Schema::ArrayController& controller) override;
 };
 
@@ -40,16 +42,7 @@ class WriteToggleActiveRomImage
                                   Core::DeviceOperation::eWrite, FilterRecoveryRom,
                                   Schema::VisitorArrayController> {
   public:
-    Core::OperationReturn visit(Schema::ArrayController& controller) override;
-};
-
-/// Pauses or resumes a controller's background activity. Takes ATTR_NAME_BACKGROUND_ACTIVITY_STATE and
-/// optionally ATTR_NAME_DISABLE_HOTPLUG_EVENTS, which is on unless told otherwise.
-class WriteBackgroundActivity
-    : public Core::NamedOperation<Interface::FlashMod::OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE,
-                                  Core::DeviceOperation::eWrite, FilterBackgroundActivity,
-                                  Schema::VisitorArrayController> {
-  public:
+    using NamedOperation::visit;
     Core::OperationReturn visit(Schema::ArrayController& controller) override;
 };
 

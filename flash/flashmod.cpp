@@ -2,7 +2,9 @@
 
 #include "command/scsi_status.h"
 #include "flash/controller_operations.h"
+#include "flash/sense_deferred_update.h"
 #include "flash/vocabulary.h"
+#include "flash/write_background_activity.h"
 #include "storage/operation_row.h"
 
 namespace Interface::FlashMod {
@@ -29,15 +31,19 @@ constexpr Core::OperationRow OPERATIONS[] = {
 
     on<Schema::SEP>(OPERATION_WRITE_FLASH_SEP_FIRMWARE),
     on<Schema::SEP>(OPERATION_WRITE_RESET_SEP),
-    on<Schema::SEP>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE),
+    on<Schema::SEP>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE,
+                    creatorOf<Operations::WriteBackgroundActivity>),
 
     // The last row's operation is declared for both kinds of drive, and its filter admits the drives of plain
     // adapters only: an array controller pauses for all of its drives.
     on<Schema::PhysicalDrive>(OPERATION_WRITE_FLASH_DRIVE_ACTIVE_CARRIER),
     on<Schema::PhysicalDrive>(OPERATION_WRITE_FLASH_PHYSICAL_DRIVE),
-    on<Schema::PhysicalDrive>(OPERATION_SENSE_DEFERRED_UPDATE_STATUS),
-    on<Schema::PhysicalDrive>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE),
-    on<Schema::NonVaultlinePhysicalDrive>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE),
+    on<Schema::PhysicalDrive>(OPERATION_SENSE_DEFERRED_UPDATE_STATUS,
+                              creatorOf<Operations::SenseDeferredUpdate>),
+    on<Schema::PhysicalDrive>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE,
+                              creatorOf<Operations::WriteBackgroundActivity>),
+    on<Schema::NonVaultlinePhysicalDrive>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE,
+                                          creatorOf<Operations::WriteBackgroundActivity>),
 };
 
 }  // namespace

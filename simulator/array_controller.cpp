@@ -200,6 +200,17 @@ Reply ArrayController::senseEncryption(Command const& command) {
     return page ? answer(std::move(*page)) : checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
 }
 
+Reply ArrayController::senseDeferredUpdate(Command const& command) {
+    // Byte 2: low byte of the drive's index; byte 9: its high byte.
+    unsigned const index = command.block[2] | command.block[9] << 8;
+    if (!m_units.hasIndex(index)) return checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
+    // Contents are the drive firmware's own: here each byte is its place and the drive's index.
+    Bytes page(156);
+    for (std::size_t i = 0; i < page.size(); ++i)
+        page[i] = static_cast<std::uint8_t>(i + index);
+    return answer(std::move(page));
+}
+
 void ArrayController::powerCycle(std::vector<std::string>& events) {
     restart(events);
 }

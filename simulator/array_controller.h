@@ -62,6 +62,7 @@ class ArrayController : public Device {
     Reply senseEncryption(Command const& command);
     Reply boardPower(Command const&);
     Reply powerMode(Command const&);
+    Reply senseDeferredUpdate(Command const& command);
     Reply pause(Command const& command);
     Reply resume(Command const& command);
     Reply freeCollected(Command const&);

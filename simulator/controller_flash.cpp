@@ -31,7 +31,7 @@ constexpr Controller::Management COMMANDS[] = {
     {0x17, "SENSE MAINTENANCE", Direction::In, SHORT, nullptr},
     {0x1E, "SENSE ENCRYPTION STATUS", Direction::In, SHORT, &Controller::senseEncryption},
     {0x20, "READ LOGICAL DRIVE", Direction::In, SHORT, nullptr},
-    {0x27, "SENSE DEFERRED UPDATE STATUS", Direction::In, SHORT, nullptr},
+    {0x27, "SENSE DEFERRED UPDATE STATUS", Direction::In, SHORT, &Controller::senseDeferredUpdate},
     {0x30, "WRITE LOGICAL DRIVE", Direction::Out, SHORT, nullptr},
     {0x40, "SOFT RESET CONTROLLER", Direction::None, RESET_TIME, &Controller::softReset},
     {0x46, "NVRAM PASS THROUGH", Direction::Out, SHORT, nullptr},

@@ -107,6 +107,12 @@ Reply ControllerUnits::report(Command const& command) const {
     return reply;
 }
 
+bool ControllerUnits::hasIndex(unsigned index) const {
+    return std::any_of(m_units.begin(), m_units.end(), [&](Unit const& unit) {
+        return !unit.isVolume && getBig(&unit.entry[24], 2) == index;
+    });
+}
+
 ScsiTarget* ControllerUnits::find(std::array<std::uint8_t, 8> const& address) const {
     for (Unit const& unit : m_units) {
         auto own = unit.address;

@@ -23,6 +23,8 @@ class ControllerUnits {
 
     /// Answers 0xC2 and 0xC3.
     Reply report(Command const& command) const;
+    /// Whether the report of physical devices has one of this index.
+    bool hasIndex(unsigned index) const;
     /// What is at an address; null when nothing is. A volume that is hidden from the host also answers to the
     /// address of one that isn't.
     ScsiTarget* find(std::array<std::uint8_t, 8> const& address) const;

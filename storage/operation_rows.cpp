@@ -3,6 +3,7 @@
 #include "storage/operation_row.h"
 #include "storage/operations/command_access.h"
 #include "storage/operations/discover_controllers.h"
+#include "storage/operations/read_array_controller_bootable_status.h"
 #include "storage/operations/read_array_controller_info.h"
 #include "storage/operations/write_allowed_controller_discovery.h"
 #include "storage/operations/write_cache_settings.h"
@@ -50,7 +51,8 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::ArrayController>(OPERATION_WRITE_BMIC_COMMAND, creatorOf<Operations::WriteBMICCommand>),
     on<Schema::ArrayController>(Interface::TOLKMod::Device::OPERATION_WRITE_REENUMERATE,
                                 creatorOf<Operations::WriteStorageReenumerate>),
-    on<Schema::ArrayController>(OPERATION_READ_ARRAY_CONTROLLER_BOOTABLE_STATUS),
+    on<Schema::ArrayController>(OPERATION_READ_ARRAY_CONTROLLER_BOOTABLE_STATUS,
+                                creatorOf<Operations::ReadArrayControllerBootableStatus>),
     on<Schema::ArrayController>(OPERATION_DISCOVER_EXTERNAL_ARRAY_CONTROLLERS),
     on<Schema::ArrayController>(OPERATION_DISCOVER_STORAGE_VOLUMES),
     on<Schema::ArrayController>(OPERATION_READ_SCSI_COMMAND, creatorOf<Operations::ReadSCSICommand>),

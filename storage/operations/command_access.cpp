@@ -1,6 +1,7 @@
 #include "storage/operations/command_access.h"
 
 #include <cstdint>
+#include <type_traits>
 
 #include "command/ata_command.h"
 #include "command/bmic_command.h"
@@ -43,6 +44,13 @@ Core::OperationReturn CommandOperation<Name, Type, Command, Target, Argument>::v
         return Core::OperationReturn(Status::ATTR_VALUE_STATUS_PERFORM_NOT_REACHABLE);
     }
     DeviceCommandReturn::executeCommand(*command, *target, result);
+    if constexpr (std::is_same_v<Command, ATACommand>) {
+        // A failure has filed them already.
+        if (result) {
+            result.Publish(
+                result, Core::Attribute(Status::ATTR_NAME_ATA_RESULT_REGISTERS, command->ResultRegisters()));
+        }
+    }
     return result;
 }
 

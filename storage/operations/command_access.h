@@ -50,7 +50,7 @@ class WriteSCSICommand : public CommandOperation<Interface::StorageMod::OPERATIO
                                                  Core::DeviceOperation::eWrite, ScsiCommand, SCSIDevice,
                                                  Interface::StorageMod::Device::ATTR_NAME_SCSI_COMMAND> {};
 
-/// A failure is told with the result registers, the only outcome that an ATA command has.
+/// The outcome is told with the result registers, all that an ATA command has.
 class SendATACommand : public CommandOperation<Interface::StorageMod::OPERATION_SEND_ATA_COMMAND,
                                                Core::DeviceOperation::eWrite, ATACommand, ATADevice,
                                                Interface::StorageMod::Device::ATTR_NAME_ATA_COMMAND> {};

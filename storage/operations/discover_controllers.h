@@ -14,6 +14,7 @@ class DiscoverArrayController
                                   Core::DeviceOperation::eDiscovery, Core::NullFilter,
                                   Schema::VisitorModRoot> {
   public:
+    using NamedOperation::visit;
     Core::OperationReturn visit(Schema::ModRoot& root) override;
 };
 
@@ -23,6 +24,7 @@ class DiscoverFailedArrayController
                                   Core::DeviceOperation::eDiscovery, Core::NullFilter,
                                   Schema::VisitorModRoot> {
   public:
+    using NamedOperation::visit;
     Core::OperationReturn visit(Schema::ModRoot& root) override;
 };
 
@@ -32,6 +34,7 @@ class DiscoverHostBusAdapter
                                   Core::DeviceOperation::eDiscovery, Core::NullFilter,
                                   Schema::VisitorModRoot> {
   public:
+    using NamedOperation::visit;
     Core::OperationReturn visit(Schema::ModRoot& root) override;
 };
 

@@ -13,6 +13,7 @@ class ReadArrayControllerBootableStatus
                                   Core::DeviceOperation::eRead, Core::NullFilter,
                                   Schema::VisitorArrayController> {
   public:
+    using NamedOperation::visit;
     Core::OperationReturn visit(Schema::ArrayController& controller) override;
 };
 

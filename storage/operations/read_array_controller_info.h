@@ -14,6 +14,7 @@ class ReadArrayControllerInfo
                                   Core::DeviceOperation::eRead, Core::NullFilter,
                                   Schema::VisitorArrayController> {
   public:
+    using NamedOperation::visit;
     ReadArrayControllerInfo() : NamedOperation(eUsualAndBottomUp) {}
 
     Core::OperationReturn visit(Schema::ArrayController& controller) override;

@@ -14,6 +14,7 @@ class WriteAllowedControllerDiscovery
     : public Core::NamedOperation<Interface::StorageMod::OPERATION_WRITE_ALLOWED_CONTROLLER_DISCOVERY,
                                   Core::DeviceOperation::eWrite, Core::NullFilter, Schema::VisitorModRoot> {
   public:
+    using NamedOperation::visit;
     Core::OperationReturn visit(Schema::ModRoot& root) override;
     Common::shared_ptr<Core::Capability> getCapabilityPtr(Common::shared_ptr<Core::Device> device) override;
 

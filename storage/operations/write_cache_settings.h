@@ -26,6 +26,7 @@ class WriteCacheSettings
                                   Core::DeviceOperation::eWrite, FilterCacheOwner, Schema::VisitorModRoot,
                                   Schema::VisitorArrayController> {
   public:
+    using NamedOperation::visit;
     using Core::DeviceOperation::visit;
     Core::OperationReturn visit(Schema::ModRoot& root) override;
     Core::OperationReturn visit(Schema::ArrayController& controller) override;

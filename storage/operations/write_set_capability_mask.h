@@ -12,6 +12,7 @@ class WriteSetCapabilityMask
     : public Core::NamedOperation<Interface::StorageMod::OPERATION_WRITE_SET_CAPABILITY_MASK,
                                   Core::DeviceOperation::eWrite, Core::NullFilter, Schema::VisitorModRoot> {
   public:
+    using NamedOperation::visit;
     Core::OperationReturn visit(Schema::ModRoot& root) override;
 };
 

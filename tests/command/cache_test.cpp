@@ -316,16 +316,21 @@ TEST_F(Cache, AdapterDiscoveryIsAskedOnceWhileTheCacheIsOn) {
     EXPECT_EQ(kernel.directoryReads, 4 * reads);
 }
 
-TEST_F(Cache, SwitchedOnAgainAdapterDiscoveryIsAskedAnewForItsStates) {
+// Switching off discards the states but not the adapters' list: once the cache is on again, they had none.
+TEST_F(Cache, SwitchedOnAgainTheAdaptersKnownGetTheirStatesBack) {
     Interface::SysMod::Discovery::HandleList controllers, csmi, plain;
     ProcessStorageAdapterIterator(controllers, csmi, plain);
     unsigned const reads = kernel.directoryReads;
+    adapterListCache().controllers.push_back(handle);
     SetCommandCacheState(false);
-    EXPECT_FALSE(cacheControls().firstDiscoveryFlag);
     SetCommandCacheState(true);
+    SetDefaultCacheFlag(true);
     ProcessStorageAdapterIterator(controllers, csmi, plain);
-    EXPECT_EQ(kernel.directoryReads, 2 * reads);
-    EXPECT_TRUE(cacheControls().firstDiscoveryFlag);
+    EXPECT_EQ(kernel.directoryReads, reads);
+    EXPECT_TRUE(GetCacheStateForDevice(handle));
+    SetCacheStateForDevice(handle, false);
+    ProcessStorageAdapterIterator(controllers, csmi, plain);
+    EXPECT_FALSE(GetCacheStateForDevice(handle)) << "once";
 }
 
 using Interface::SysMod::Discovery::HandleList;

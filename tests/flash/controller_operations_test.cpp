@@ -1,4 +1,5 @@
 #include "flash/controller_operations.h"
+#include "flash/write_background_activity.h"
 
 #include "storage/schema/adapters.h"
 #include "storage/schema/array_controller.h"
