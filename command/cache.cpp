@@ -29,6 +29,7 @@ void SetCommandCacheState(bool enabled) {
     if (!enabled) {
         controls.defaultCacheFlag = false;
         controls.defaultInheritanceFlag = false;
+        controls.firstDiscoveryFlag = false;
         controls.discoveryRescanOption = true;
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/string.h"
+#include "sysmod/device_discovery.h"
 #include "sysmod/discovery.h"
 #include "sysmod/requests.h"
 
@@ -24,6 +25,20 @@ bool ProcessRegNewDisk(Common::string const& handle);
 void ProcessStorageAdapterIterator(Interface::SysMod::Discovery::HandleList& controllers,
                                    Interface::SysMod::Discovery::HandleList& csmiAdapters,
                                    Interface::SysMod::Discovery::HandleList& plainAdapters);
+// Replace the map by what is behind an adapter, or the list by its volumes: what discovery finds, or found
+// the first time while the adapter's cache is on. Physical devices of a SAS adapter are those that answer
+// CSMI.
+void ProcessPhysicalDeviceIterator(Common::string const& handle,
+                                   Interface::SysMod::Discovery::HandleMap& devices);
+void ProcessLogicalDeviceIterator(Common::string const& handle,
+                                  Interface::SysMod::Discovery::HandleMap& devices);
+// The same for devices that are hidden from the host.
+void ProcessMaskedPhysicalDevice(Common::string const& handle,
+                                 Interface::SysMod::Discovery::HandleMap& devices);
+void ProcessMaskedLogicalDevice(Common::string const& handle,
+                                Interface::SysMod::Discovery::HandleMap& devices);
+void ProcessStorageVolumeIterator(Common::string const& handle,
+                                  Interface::SysMod::Discovery::HandleList& volumes);
 // Forgets what adapter discovery found.
 void ClearModRootCache();
 

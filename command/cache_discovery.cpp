@@ -18,8 +18,13 @@ void ProcessStorageAdapterIterator(HandleList& controllers, HandleList& csmiAdap
         Interface::SysMod::Discovery::DiscoverStorageAdapters(lists.controllers, lists.csmiAdapters,
                                                               lists.plainAdapters);
         lists.valid = true;
+        cacheControls().firstDiscoveryFlag = false;
+    }
+    // Switching the cache off discards the states and the flag, but not the lists.
+    if (!cacheControls().firstDiscoveryFlag) {
         for (Common::string const& handle : lists.controllers)
             InsertCacheState(handle);
+        cacheControls().firstDiscoveryFlag = true;
     }
     controllers = lists.controllers;
     csmiAdapters = lists.csmiAdapters;

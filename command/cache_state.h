@@ -78,6 +78,7 @@ struct CacheControls {
     bool commandCacheEnabled = false;
     bool defaultCacheFlag = false;  // `enabled` of a device that discovery finds
     bool defaultInheritanceFlag = false;
+    bool firstDiscoveryFlag = false;    // the adapters found have their states
     bool discoveryRescanOption = true;  // whether discovery may have controllers rescan their buses
 };
 

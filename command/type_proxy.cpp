@@ -1,6 +1,7 @@
 #include "command/type_proxy.h"
 
 #include <cctype>
+#include <cstring>
 
 #include "common/conversion.h"
 
@@ -38,10 +39,23 @@ bool NumberArrayTypeProxy<unsigned char, true>::Write(unsigned char* memory, uns
     return true;
 }
 
+Common::string CharTypeProxy::Read(unsigned char const* memory, unsigned int size) const {
+    auto const* const text = reinterpret_cast<char const*>(memory);
+    return Common::string(text, static_cast<unsigned int>(strnlen(text, size)));
+}
+
+bool CharTypeProxy::Write(unsigned char* memory, unsigned int size, Common::string const& text) const {
+    if (text.size() > size) return false;
+    std::memset(memory, 0, size);
+    std::memcpy(memory, text.c_str(), text.size());
+    return true;
+}
+
 Common::map<Common::string, Common::shared_ptr<TypeProxy>>& TypeProxyFactory::proxies() {
     static Common::map<Common::string, Common::shared_ptr<TypeProxy>> s_proxies;
     if (s_proxies.empty()) {
         s_proxies.insert({"BYTE", Common::shared_ptr<TypeProxy>(new HexTypeProxy)});
+        s_proxies.insert({"char", Common::shared_ptr<TypeProxy>(new CharTypeProxy)});
         s_proxies.insert({"RESERVED", Common::shared_ptr<TypeProxy>(new HexTypeProxy)});
     }
     return s_proxies;

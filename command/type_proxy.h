@@ -37,5 +37,14 @@ class NumberArrayTypeProxy<unsigned char, true> : public TypeProxy {
     bool Write(unsigned char* memory, unsigned int size, Common::string const& text) const override;
 };
 
+// Text members: neither terminated nor of their full length, filled up with blanks or zeros.
+class CharTypeProxy : public TypeProxy {
+  public:
+    // Up to the first zero byte, blanks included.
+    Common::string Read(unsigned char const* memory, unsigned int size) const override;
+    // Takes at most `size` characters, and fills up with zeros.
+    bool Write(unsigned char* memory, unsigned int size, Common::string const& text) const override;
+};
+
 // Bytes and arrays of bytes.
 class HexTypeProxy : public NumberArrayTypeProxy<unsigned char, true> {};

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "command/cache_device_lists.h"
 #include "command/cache_state.h"
 #include "fakes.h"
 
@@ -313,6 +314,95 @@ TEST_F(Cache, AdapterDiscoveryIsAskedOnceWhileTheCacheIsOn) {
     ProcessStorageAdapterIterator(controllers, csmi, plain);
     ProcessStorageAdapterIterator(controllers, csmi, plain);
     EXPECT_EQ(kernel.directoryReads, 4 * reads);
+}
+
+// Switching off discards the states but not the adapters' list: once the cache is on again, they had none.
+TEST_F(Cache, SwitchedOnAgainTheAdaptersKnownGetTheirStatesBack) {
+    Interface::SysMod::Discovery::HandleList controllers, csmi, plain;
+    ProcessStorageAdapterIterator(controllers, csmi, plain);
+    unsigned const reads = kernel.directoryReads;
+    adapterListCache().controllers.push_back(handle);
+    SetCommandCacheState(false);
+    SetCommandCacheState(true);
+    SetDefaultCacheFlag(true);
+    ProcessStorageAdapterIterator(controllers, csmi, plain);
+    EXPECT_EQ(kernel.directoryReads, reads);
+    EXPECT_TRUE(GetCacheStateForDevice(handle));
+    SetCacheStateForDevice(handle, false);
+    ProcessStorageAdapterIterator(controllers, csmi, plain);
+    EXPECT_FALSE(GetCacheStateForDevice(handle)) << "once";
+}
+
+using Interface::SysMod::Discovery::HandleList;
+using Interface::SysMod::Discovery::HandleMap;
+
+unsigned s_discoveries = 0;
+
+void discoverTwo(Common::string const& handle, HandleMap& devices) {
+    devices.insert({"ADDRESS", handle});
+    devices.insert({std::to_string(++s_discoveries).c_str(), "NUMBERED"});
+}
+void discoverVolume(Common::string const&, HandleList& volumes) {
+    volumes.push_back(std::to_string(++s_discoveries).c_str());
+}
+/// As a discovery that has to write to the device.
+void discoverEmptying(Common::string const& handle, HandleMap& devices) {
+    EmptyCacheFor(handle, true);
+    discoverTwo(handle, devices);
+}
+
+TEST_F(Cache, DeviceListsAreDiscoveredOnceForEachKindUntilTheyAreForgotten) {
+    s_discoveries = 0;
+    HandleMap devices;
+    devices.insert({"left over", ""});
+    auto const ask = [&](DeviceListCache CACHE_STATE::*kind, DiscoverDevices discover = discoverTwo) {
+        ProcessDeviceList(handle, kind, discover, devices);
+        EXPECT_EQ(devices.size(), 2U);
+        return devices.find("ADDRESS")->second == handle ? s_discoveries : 0;
+    };
+    DeviceListCache CACHE_STATE::*const kinds[] = {
+        &CACHE_STATE::physicalDevices, &CACHE_STATE::logicalDevices, &CACHE_STATE::maskedPhysicalDevices,
+        &CACHE_STATE::maskedLogicalDevices};
+    unsigned expected = 0;
+    for (auto const kind : kinds) {
+        EXPECT_EQ(ask(kind), ++expected);
+        EXPECT_EQ(ask(kind), expected);
+    }
+    HandleList volumes;
+    for (int i = 0; i < 2; ++i) {
+        ProcessVolumeList(handle, discoverVolume, volumes);
+        ASSERT_EQ(volumes.size(), 1U);
+        EXPECT_STREQ(volumes.begin()->c_str(), "5");
+    }
+    EmptyCacheFor(handle, true);
+    EXPECT_EQ(ask(kinds[0], discoverEmptying), 6U);
+    EXPECT_EQ(ask(kinds[0]), 6U) << "kept, though the discovery emptied the cache";
+    SetCacheStateForDevice(handle, false);
+    EXPECT_EQ(ask(kinds[0]), 7U);
+    EXPECT_EQ(ask(kinds[0]), 8U) << "off for the device";
+    SetCommandCacheState(false);
+    SetCacheStateForDevice(handle, true);
+    EXPECT_EQ(ask(kinds[0]), 9U);
+    EXPECT_EQ(ask(kinds[0]), 10U) << "off for all";
+}
+
+/// They go straight through: nothing is stored, and what is stored stays, though they may change anything.
+TEST_F(Cache, AtaAndCsmiCommandsAndRegisteringDisksLeaveTheCacheAlone) {
+    bmic();
+    std::size_t const before = sends();
+    kernel.answer = [](KernelExchange const&) { return FakeKernel::Reply(); };
+    ATARequest ata;
+    CSMIRequest csmi;
+    for (int i = 0; i < 2; ++i) {
+        ProcessATACommand(handle, ata);
+        ProcessCSMICommand(handle, csmi);
+        EXPECT_TRUE(ProcessRegNewDisk(handle));
+    }
+    std::size_t const after = sends();
+    EXPECT_GE(after, before + 2) << "nothing is answered from memory";
+    bmic();
+    EXPECT_EQ(sends(), after) << "what was stored is still there";
+    EXPECT_EQ(findCacheState(handle)->scsiReplies.size(), 0U);
 }
 
 }  // namespace

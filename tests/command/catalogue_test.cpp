@@ -89,7 +89,9 @@ TEST_F(Proxy, GivesAccessByName) {
     EXPECT_FALSE(proxy.MemberInfo("sNothing", type, offset, size, isArray));
     EXPECT_STREQ(proxy.read("bSupportBits").c_str(), "47");
     EXPECT_STREQ(proxy.read("reserved").c_str(), "45 46");
-    EXPECT_STREQ(proxy.read("sProductRevision").c_str(), "60 61 62 63") << "no proxy: bytes";
+    EXPECT_STREQ(proxy.read("sProductRevision").c_str(), "`abc");
+    EXPECT_STREQ(StructureProxy("ALARM_STRUCTURE", buffer).read("wAlarmCount").c_str(), "43 44")
+        << "no proxy";
     EXPECT_STREQ(proxy.read("sNothing").c_str(), "");
 }
 
@@ -103,7 +105,14 @@ TEST_F(Proxy, WritesWhatFitsAndNothingElse) {
     }
     EXPECT_EQ(buffer[5], 0xAB);
     EXPECT_EQ(buffer[7], 0x47);
-    EXPECT_FALSE(proxy.Write("sVendorID", "00 00 00 00 00 00 00 00")) << "no proxy";
+    EXPECT_TRUE(proxy.Write("sVendorID", "VQ  "));
+    EXPECT_STREQ(proxy.read("sVendorID").c_str(), "VQ  ");
+    EXPECT_EQ(buffer[12] | buffer[15], 0) << "filled up";
+    EXPECT_EQ(buffer[16], 0x50);
+    EXPECT_TRUE(proxy.Write("sVendorID", "12345678"));
+    EXPECT_FALSE(proxy.Write("sVendorID", "123456789"));
+    EXPECT_STREQ(proxy.read("sVendorID").c_str(), "12345678");
+    EXPECT_FALSE(StructureProxy("ALARM_STRUCTURE", buffer).Write("wAlarmCount", "00 00")) << "no proxy";
     EXPECT_FALSE(proxy.Write("sNothing", "00"));
 }
 
