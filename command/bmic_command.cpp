@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "command/passing_condition.h"
 #include "common/debug_logger.h"
 #include "common/sleep.h"
 
@@ -9,20 +10,6 @@ using Interface::SysMod::Command::BMICRequest;
 using Interface::SysMod::Command::SENSE_BUFFER_SIZE;
 
 namespace {
-
-// SCSI status and sense keys (SPC).
-constexpr unsigned char CHECK_CONDITION = 2;
-constexpr unsigned char NOT_READY = 2;
-constexpr unsigned char ILLEGAL_REQUEST = 5;
-constexpr unsigned char UNIT_ATTENTION = 6;
-constexpr unsigned char ASC_NOT_READY = 4;
-
-bool needsAMoment(BMICRequest const& request) {
-    if (request.scsiStatus != CHECK_CONDITION || request.senseBuffer == nullptr) return false;
-    unsigned char const key = request.senseBuffer[2] & 0x0F;
-    unsigned char const asc = request.senseBuffer[12];
-    return key == UNIT_ATTENTION || ((key == NOT_READY || key == ILLEGAL_REQUEST) && asc == ASC_NOT_READY);
-}
 
 // What a send left behind must not be taken for the outcome of the next one.
 void clearOutcome(BMICRequest& request) {
@@ -48,6 +35,7 @@ bool BmicCommand::operator()(BMICDevice& device) {
 
     PreProcessCommand();
     bool const sent = sendWithRetries(device, request);
+    m_receivedLength = sent ? request.dataLength : 0;
     PostProcessCommand();
     return TakeStatus(request, sent);
 }
@@ -58,7 +46,7 @@ bool BmicCommand::sendWithRetries(BMICDevice& device, BMICRequest& request) {
     for (unsigned attempts = 0; attempts == 0 || (retry && attempts <= m_maxRetries); ++attempts) {
         clearOutcome(request);
         sent = sendCommand(device, request);
-        retry = needsAMoment(request);
+        retry = isPassingCondition(request);
         if (retry && m_maxRetries != 0) {
             Common::DebugLogger::LogCommand("BMIC COMMAND RETRY");
             Common::Synchronization::Sleep(RETRY_WAIT_MILLISECONDS);

@@ -18,6 +18,10 @@ class BmicCommand : public SCSIStatus {
     // don't look into the buffer of a failed command.
     bool operator()(BMICDevice& device);
 
+    // Bytes that came with the last reply. Behind them the buffer holds what was there before, zeros at
+    // first.
+    unsigned int receivedLength() const { return m_receivedLength; }
+
     // Look the reply up in the reply cache, but don't store it there.
     void NoCache(bool const& noCache) { m_noCache = noCache; }
     // Neither look it up nor store it.
@@ -44,5 +48,6 @@ class BmicCommand : public SCSIStatus {
     bool m_passThrough = false;
     bool m_selectiveCache = false;
     unsigned int m_timeout = 0;
+    unsigned int m_receivedLength = 0;
     unsigned char m_maxRetries = DEFAULT_MAX_RETRIES;
 };

@@ -17,7 +17,11 @@ unsigned short BMICForwardDevice::maxPhysicalUnits() const {
 
 bool BMICForwardDevice::sendBMICCommand(Interface::SysMod::Command::BMICRequest& request) const {
     BMICDevice const* const target = forwardTarget();
-    return target != nullptr && target->sendBMICCommand(request);
+    if (target == nullptr) {
+        request.lowLevelStatus = Interface::SysMod::Command::NOT_DELIVERED;
+        return false;
+    }
+    return target->sendBMICCommand(request);
 }
 
 unsigned int BMICForwardDevice::readSizeFromCacheFor(unsigned char const& commandByte) {

@@ -3,7 +3,7 @@
 #include "command/devices.h"
 
 // A device that passes every BMIC call on to the controller above it. Whoever mixes it in tells where that
-// is; without one every call gives 0 (false) and the request stays as it was.
+// is; without one every call gives 0 (false), and a request tells that it wasn't delivered.
 class BMICForwardDevice : public BMICDevice {
   public:
     bool isRemote() const override;

@@ -1,4 +1,5 @@
 #include "command/cache_reply.h"
+#include "command/passing_condition.h"
 #include "sysmod/send_command.h"
 
 using Interface::SysMod::Command::BMICRequest;
@@ -18,7 +19,8 @@ bool ProcessBMICCommand(Common::string const& handle, BMICRequest& request) {
     unsigned const dataLength = request.dataLength;
     unsigned const senseLength = request.senseLength;
     if (!SendBMICCommand(handle, request)) return false;
-    if (request.noCache == 0) {
+    // A passing condition is asked again and not remembered: from memory it would never pass.
+    if (request.noCache == 0 && !(senseLength >= 13 && isPassingCondition(request))) {
         BMIC_READ_CACHE reply;
         keep(reply, request, dataLength, senseLength);
         reply.cdbLengthOverride = request.cdbLengthOverride;

@@ -1,4 +1,5 @@
 #include "command/cache_reply.h"
+#include "command/passing_condition.h"
 #include "sysmod/device_handle.h"
 #include "sysmod/send_command.h"
 
@@ -31,7 +32,8 @@ bool ProcessSCSICommand(Common::string const& handle, SCSIRequest& request) {
     unsigned const dataLength = request.dataLength;
     unsigned const senseLength = request.senseLength;
     if (!SendSCSICommand(handle, request)) return false;
-    if (request.noCache == 0) {
+    // A passing condition is asked again and not remembered: from memory it would never pass.
+    if (request.noCache == 0 && !(senseLength >= 13 && isPassingCondition(request))) {
         SCSI_READ_CACHE reply;
         keep(reply, request, dataLength, senseLength);
         state->scsiReplies.insert({key, reply});

@@ -31,6 +31,14 @@ ConcreteBMICDevice::ConcreteBMICDevice(Common::string const& handle, bool const&
       m_maxLogicalUnits(maxLogicalUnits),
       m_maxPhysicalUnits(maxPhysicalUnits) {}
 
+ConcreteBMICDevice& ConcreteBMICDevice::operator=(ConcreteBMICDevice const& other) {
+    m_handle = other.m_handle;
+    m_isRemote = other.m_isRemote;
+    m_maxLogicalUnits = other.m_maxLogicalUnits;
+    m_maxPhysicalUnits = other.m_maxPhysicalUnits;
+    return *this;
+}
+
 bool ConcreteBMICDevice::sendBMICCommand(Interface::SysMod::Command::BMICRequest& request) const {
     Common::Synchronization::Timer const timer;
     bool const sent = ProcessBMICCommand(m_handle, request);

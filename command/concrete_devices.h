@@ -12,6 +12,10 @@ class ConcreteBMICDevice : public BMICDevice {
     ConcreteBMICDevice(Common::string const& handle, bool const& remote,
                        unsigned short const& maxLogicalUnits, unsigned short const& maxPhysicalUnits);
 
+    ConcreteBMICDevice(ConcreteBMICDevice const&) = default;
+    // Takes over all but the memo: what this object learnt of its device stays.
+    ConcreteBMICDevice& operator=(ConcreteBMICDevice const& other);
+
     bool isRemote() const override { return m_isRemote; }
     unsigned short maxLogicalUnits() const override { return m_maxLogicalUnits; }
     unsigned short maxPhysicalUnits() const override { return m_maxPhysicalUnits; }

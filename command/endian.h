@@ -4,8 +4,8 @@
 #include <concepts>
 #include <cstring>
 
-// Between wire order (little-endian, in SCSI big-endian) and host order. `host` is a parameter so that the other host can be
-// tested on this one.
+// Between wire order (little-endian, in SCSI big-endian) and host order. `host` is a parameter so that the
+// other host can be tested on this one.
 template <std::unsigned_integral T>
 constexpr T reverseBytes(T value) {
     T reversed = 0;

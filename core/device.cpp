@@ -216,6 +216,12 @@ Device::ChildIterator Device::clear(Common::shared_ptr<Device> child) {
     return removeChildImpl(child);
 }
 
+void Device::discard(Common::shared_ptr<Device> const& child) {
+    Lock lock(mutex());
+    if (child && child->m_parent == this) child->m_isStale = true;
+    clear(child);
+}
+
 void Device::ClearChildrenFor(Common::shared_ptr<Device> child) {
     ChildIterator grandchild = child->beginChild();
     while (grandchild != child->endChild()) {

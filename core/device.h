@@ -56,6 +56,7 @@ class Device : public AttributePublisher,
                public OperationSource {
   public:
     class ReenumeratePredicate;
+    class ReenumerationMark;
 
     typedef DeviceIterator ChildIterator;
     typedef OperationList::const_iterator OperationIterator;
@@ -140,6 +141,8 @@ class Device : public AttributePublisher,
     // keeps its mark. Returns the iterator behind it; endChild(), with a line in the log, for null and for a
     // device that is no child of this one.
     ChildIterator clear(Common::shared_ptr<Device> child) override;
+    // The same for a child that is gone for good: it becomes stale too, and whoever still holds it learns so.
+    void discard(Common::shared_ptr<Device> const& child);
     // Replaces the association of this name as a whole. An empty one is not kept: false.
     bool receive(Common::shared_ptr<DeviceAssociation> association) override;
     AssociationIterator clear(Common::shared_ptr<DeviceAssociation> association) override;
@@ -152,7 +155,7 @@ class Device : public AttributePublisher,
     void ClearUnavailableOperationReasons();
 
     // The steps of a reenumeration, for operations that rebuild a part of the tree. Results of operations
-    // are appended to `results`. They take the device's lock, not reenumMutex().
+    // are appended to `results`. They take the device's lock, not reenumMutex(): hold a ReenumerationMark.
     void DeleteAssociationsFor(Common::shared_ptr<Device> device, ReenumeratePredicate const& predicate,
                                ResultList& results);
     void ReenumerateChildrenFor(Common::shared_ptr<Device> device, ReenumeratePredicate const& predicate,
@@ -233,6 +236,19 @@ class Device : public AttributePublisher,
     ReasonList m_unavailableReasons;
     bool m_isStale;
     bool m_registeringWriteOperations;
+};
+
+// While one stands, Reenumerate() is refused on this thread: it would take reenumMutex() behind a device's
+// lock.
+class Device::ReenumerationMark {
+  public:
+    ReenumerationMark();
+    ~ReenumerationMark();
+    ReenumerationMark(ReenumerationMark const&) = delete;
+    ReenumerationMark& operator=(ReenumerationMark const&) = delete;
+
+  private:
+    bool m_outer;
 };
 
 // Steers a reenumeration. The base answers are those of a full one.

@@ -28,7 +28,7 @@ namespace ReturnNames = Interface::TOLKMod::OperationReturn;
 
 constexpr int traceLevel = 4;
 
-// Whether this thread holds reenumMutex(), which isn't recursive.
+// Whether this thread holds reenumMutex(), which isn't recursive, or rebuilds a part of a tree.
 thread_local bool t_reenumerating = false;
 
 class RefreshPredicate : public Device::ReenumeratePredicate {
@@ -96,6 +96,14 @@ Device::ResultList Device::Reset() {
     return Reenumerate(ResetPredicate());
 }
 
+Device::ReenumerationMark::ReenumerationMark() : m_outer(t_reenumerating) {
+    t_reenumerating = true;
+}
+
+Device::ReenumerationMark::~ReenumerationMark() {
+    t_reenumerating = m_outer;
+}
+
 Device::ResultList Device::Reenumerate(ReenumeratePredicate const& predicate) {
     if (t_reenumerating) {
         Common::DebugLogger::LogCommand("Reenumeration of %s refused: one is under way in this thread",
@@ -107,10 +115,7 @@ Device::ResultList Device::Reenumerate(ReenumeratePredicate const& predicate) {
     }
     Common::Synchronization::ScopedMutexLock<Common::Synchronization::ProcessMutex> reenumLock(
         *reenumMutex());
-    t_reenumerating = true;
-    struct Done {
-        ~Done() { t_reenumerating = false; }
-    } const done;
+    ReenumerationMark const mark;
     Lock lock(mutex());
     OnBeforeReenumerate();
     return DoReenumerate(predicate);

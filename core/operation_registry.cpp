@@ -69,7 +69,9 @@ void OperationTables::RegisterOperation(Common::string const& typeName, DeviceOp
     bool kept = false;
     if (Common::shared_ptr<DeviceOperation> const probe = creator->createOperationPtr()) {
         Common::string const name = probe->name();
-        if (RegisterSchemaOperationDependency(typeName, name) && !createOperation(name) &&
+        // The pair may have been declared before its operation.
+        RegisterSchemaOperationDependency(typeName, name);
+        if (hasDependency(typeName, name) && !createOperation(name) &&
             hasFreeRow(m_creatorCount, s_creatorRows, "the list of creators", name)) {
             m_creatorBaseList[m_creatorCount++] = creator;
             kept = true;

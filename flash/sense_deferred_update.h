@@ -22,8 +22,6 @@ class SenseDeferredUpdate
                                   Schema::VisitorPhysicalDrive> {
   public:
     using NamedOperation::visit;
-    /// Only an explicit perform() runs it: without a caller's buffer there is nowhere to read to.
-    SenseDeferredUpdate() : NamedOperation(eNever) {}
     Core::OperationReturn visit(Schema::PhysicalDrive& drive) override;
 };
 

@@ -35,6 +35,8 @@ std::int32_t sgDirection(EnTransferType transferType) {
     }
 }
 
+/// Command status of a reply shorter than the buffer.
+constexpr std::uint16_t DATA_UNDERRUN = 2;
 constexpr unsigned char BMIC_READ = 0x26;
 constexpr unsigned char BMIC_WRITE = 0x27;
 
@@ -97,6 +99,9 @@ bool BMICCommandHandler::SendBMICCommand(OpenDeviceNode const& node, std::uint8_
     if (sent) {
         request.scsiStatus = status.scsiStatus;
         request.commandStatus = status.commandStatus;
+        if (request.transferType == EnTransferType::In && status.commandStatus == DATA_UNDERRUN) {
+            request.dataLength -= std::min(status.residual, request.dataLength);
+        }
     }
     return sent;
 }

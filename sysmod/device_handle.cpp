@@ -61,6 +61,18 @@ bool toAddressBytes(Common::string const& digits, std::uint8_t (&bytes)[8]) {
     return true;
 }
 
+/// A decimal number of digits alone; false for anything else and from `limit` on.
+bool toNumberBelow(Common::string const& text, unsigned limit, unsigned& number) {
+    number = 0;
+    for (unsigned i = 0; i < text.size(); ++i) {
+        unsigned const digit = static_cast<unsigned char>(text[i]) - static_cast<unsigned>('0');
+        if (digit > 9 || (number = number * 10 + digit) >= limit) {
+            return false;
+        }
+    }
+    return !text.empty();
+}
+
 std::uint8_t phyOf(Common::string const& route) {
     if (!hasPrefix(route, "CSMI:")) {
         return 0;
@@ -184,8 +196,11 @@ bool parseLogicalUnitAddress(Common::string const& route, std::uint8_t (&address
         return toAddressBytes(addressText(route), address);
     }
     if (hasPrefix(route, "BMIC:")) {
-        auto const number = Conversion::toNumber<unsigned short>(
-            route.substr(ROUTE_PREFIX_LENGTH, route.size() - ROUTE_PREFIX_LENGTH));
+        unsigned number = 0;
+        if (!toNumberBelow(route.substr(ROUTE_PREFIX_LENGTH, route.size() - ROUTE_PREFIX_LENGTH), 0x10000,
+                           number)) {
+            return false;
+        }
         address[0] = static_cast<std::uint8_t>(number & 0xFF);
         address[1] = static_cast<std::uint8_t>(number >> 8);
         address[3] = 0x40;
@@ -199,7 +214,15 @@ bool parseCSMIAddress(Common::string const& route, CSMIAddress& address) {
     if (!hasPrefix(route, "CSMI:")) {
         return false;
     }
-    address.phy = phyOf(route);
+    Common::string const rest = route.substr(ROUTE_PREFIX_LENGTH, route.size() - ROUTE_PREFIX_LENGTH);
+    unsigned phy = 0;
+    unsigned digits = 0;
+    while (digits < rest.size() && rest[digits] != ':')
+        ++digits;
+    if (!toNumberBelow(rest.substr(0, digits), 0x100, phy)) {
+        return false;
+    }
+    address.phy = static_cast<std::uint8_t>(phy);
     return toAddressBytes(addressText(route), address.sasAddress);
 }
 

@@ -13,6 +13,10 @@ namespace Interface::SysMod::Command {
 /// Valid sense bytes that a request's sense buffer can take.
 inline constexpr std::uint32_t SENSE_BUFFER_SIZE = 32;
 
+/// `lowLevelStatus` of a command that didn't reach its device although no system call failed: there is no
+/// route to it, or the driver refused the request. No errno.
+inline constexpr std::int32_t NOT_DELIVERED = -1;
+
 /// A controller management (BMIC) command. The pass-through makes a ten-byte command block of it:
 /// 0x26 or 0x27, `unit` low, `details` (most significant byte first), `commandByte`, length (most
 /// significant byte first), `unit` high.
@@ -22,10 +26,11 @@ struct BasicBMICRequest {
     std::uint32_t timeout = 0;                         ///< seconds; the pass-through clamps it
     std::uint8_t commandByte = 0;                      ///< command block byte 6
     std::uint32_t details = 0;                         ///< command block bytes 2 to 5, high byte first
-    std::uint16_t unit = 0;               ///< low byte to command block byte 1, high byte to byte 9
-    Pointer dataBuffer{};                 ///< reply or payload, borrowed; null when transferType is None
-    std::uint32_t dataLength = 0;         ///< bytes at dataBuffer
-    std::int32_t lowLevelStatus = 0;      ///< set by the transport: errno when it could not deliver
+    std::uint16_t unit = 0;        ///< low byte to command block byte 1, high byte to byte 9
+    Pointer dataBuffer{};          ///< reply or payload, borrowed; null when transferType is None
+    std::uint32_t dataLength = 0;  ///< bytes at dataBuffer; on return of a read, those that came
+    std::int32_t lowLevelStatus =
+        0;  ///< set by the transport: why it could not deliver, an errno or NOT_DELIVERED
     std::uint16_t commandStatus = 0;      ///< set by the transport: the controller's command status
     std::uint8_t scsiStatus = 0;          ///< set by the transport: SCSI status byte
     Pointer senseBuffer{};                ///< SENSE_BUFFER_SIZE bytes, borrowed

@@ -175,12 +175,26 @@ bool SendCSMICommandEx(OpenDeviceNode const& node, Common::string const (&table)
 namespace Interface::SysMod::Command {
 namespace {
 
+/// Nothing tells what became of the request.
+template <typename Request>
+bool hasNoOutcome(Request const& request) {
+    bool told = request.lowLevelStatus != 0;
+    if constexpr (requires { request.scsiStatus; }) told = told || request.scsiStatus != 0;
+    if constexpr (requires { request.commandStatus; }) told = told || request.commandStatus != 0;
+    return !told;
+}
+
+/// A failure always leaves a status: without one, five zeros would be filed as a success.
 template <typename Request, typename Send>
 bool sendThroughNode(Common::string const& handle, Request& request, Send send) {
     Core::SysMod::PropertyTable table;
     Core::SysMod::toPropertyTable(handle, table);
     Core::SysMod::OpenDeviceNode const node(table, false);
-    return send(node, table, request);
+    bool const sent = send(node, table, request);
+    if (!sent && hasNoOutcome(request)) {
+        request.lowLevelStatus = NOT_DELIVERED;
+    }
+    return sent;
 }
 
 }  // namespace

@@ -15,6 +15,21 @@ namespace Operations {
 
 namespace Status = Interface::TOLKMod::OperationReturn;
 
+namespace {
+
+/// The address behind decimal text; 0 for anything else, signs and blanks included.
+std::uintptr_t addressOf(Common::string const& text) {
+    std::uintptr_t address = 0;
+    for (unsigned i = 0; i < text.size(); ++i) {
+        unsigned const digit = static_cast<unsigned char>(text.c_str()[i]) - static_cast<unsigned>('0');
+        if (digit > 9 || address > (UINTPTR_MAX - digit) / 10) return 0;
+        address = address * 10 + digit;
+    }
+    return address;
+}
+
+}  // namespace
+
 template <class Target>
 Core::FilterReturn FilterTarget<Target>::applyImpl(Common::shared_ptr<Core::Device> device) const {
     Core::FilterReturn verdict;
@@ -33,9 +48,9 @@ Core::OperationReturn CommandOperation<Name, Type, Command, Target, Argument>::v
         DeviceCommandReturn::ArgumentProblem(Status::ATTR_VALUE_STATUS_ARGUMENT_MISSING, Argument, result);
         return result;
     }
-    auto* const command = reinterpret_cast<Command*>(
-        static_cast<std::uintptr_t>(Conversion::toNumber<unsigned long long>(this->getArgValue(Argument))));
-    if (command == nullptr) {
+    std::uintptr_t const address = addressOf(this->getArgValue(Argument));
+    auto* const command = reinterpret_cast<Command*>(address);
+    if (command == nullptr || address % alignof(Command) != 0) {
         DeviceCommandReturn::ArgumentProblem(Status::ATTR_VALUE_STATUS_ARGUMENT_INVALID, Argument, result);
         return result;
     }

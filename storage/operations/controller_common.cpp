@@ -64,7 +64,8 @@ void publishAdapterProperties(Core::Device& device, AdapterProperties const& ada
     publish(device, Names::ATTR_NAME_DRIVER_NAME, adapter.driverName);
     publish(device, Names::ATTR_NAME_DRIVER_VERSION, adapter.driverVersion);
     publishFastPath(device, adapter.fastPath);
-    publish(device, Names::ATTR_NAME_BUS_TYPE, Names::ATTR_VALUE_BUS_TYPE_PCI);
+    publish(device, Names::ATTR_NAME_BUS_TYPE,
+            WriteAllowedControllerDiscovery::busTypeToString(WriteAllowedControllerDiscovery::BUS_TYPE_PCI));
     publish(device, Names::ATTR_NAME_PCI_DOMAIN, adapter.domain);
     publish(device, Names::ATTR_NAME_PCI_BUS, adapter.bus);
     publish(device, Names::ATTR_NAME_PCI_DEVICE, adapter.device);

@@ -1,7 +1,12 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
+
+#include "command/endian.h"
 #include "command/records/all_records.h"
 #include "common/compound_list.h"
+#include "common/debug_logger.h"
 #include "core/device.h"
 #include "storage/operations/adapter_properties.h"
 
@@ -14,6 +19,29 @@ Common::string locationKeyOf(AdapterProperties const& adapter, Common::CompoundL
 
 /// Publishes what adapter discovery knows of a controller, its name included.
 void publishAdapterProperties(Core::Device& device, AdapterProperties const& adapter);
+
+/// Whether a reply holds all that its record says that it has. One that was cut on its way is no reply: what
+/// didn't come would read as zeros, a lock as open and a zone as none. `what` names the record in the log.
+template <class Command>
+bool holdsWhole(Command const& command, char const* what) {
+    auto const& record = command.record();
+    std::size_t needed = 0;
+    std::size_t told = 0;
+    if constexpr (requires { record.dwFixedStructureLength; }) {
+        needed = offsetof(typename Command::Record, dwFixedStructureLength) + sizeof(std::uint32_t);
+        told = ConvertLittleEndianToValue<std::uint32_t>(record.dwFixedStructureLength);
+    } else if constexpr (requires { record.dwTotalStructureLength; }) {
+        needed = offsetof(typename Command::Record, dwTotalStructureLength) + sizeof(std::uint32_t);
+        told = ConvertLittleEndianToValue<std::uint32_t>(record.dwTotalStructureLength);
+    }
+    needed = std::max(needed, std::min(told, command.buffer().size()));
+    if (command.receivedLength() >= needed) {
+        return true;
+    }
+    Common::DebugLogger::LogCommand("%s refused: %u bytes came, at least %u expected", what,
+                                    command.receivedLength(), static_cast<unsigned>(needed));
+    return false;
+}
 
 /// Whether the record reaches behind bControllerMode: a record of a firmware that predates a member has no
 /// such member, whatever the buffer then holds.

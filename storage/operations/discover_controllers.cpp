@@ -23,9 +23,6 @@ constexpr unsigned short PHYSICAL_UNITS = 128;
 constexpr char EMBEDDED_SLOT[] = "0b";
 constexpr std::uint8_t NO_SLOT = 0xFF;
 
-/// Command status of a reply shorter than what was asked for.
-constexpr std::uint16_t DATA_UNDERRUN = 2;
-
 /// Firmware of this family tells its version as four digits: "0123" is 1.23 and "1234" is 12.34.
 Common::string qbxVersion(Common::string const& text) {
     Common::string const digits = text.Trim();
@@ -48,19 +45,12 @@ void publishFirmwareVersion(Schema::ArrayController& controller) {
     SenseControllerCommand<IdentifyControllerTrait> identify;
     Core::OperationReturn result;
     DeviceCommandReturn::executeCommand(identify, controller, result);
-    if (!result) {
+    if (!result || !holdsWhole(identify, "Identify record")) {
         return;
     }
     char text[sizeof(Records::IDENTIFY_CONTROLLER::sRAMFirmwareRev) + 1] = {};
     std::memcpy(text, identify.record().sRAMFirmwareRev, sizeof text - 1);
     Common::string version(text);
-    if (identify.wCommandStatus() == DATA_UNDERRUN && version.size() < sizeof text - 1) {
-        // Old firmware has short records, and an underrun is their normal end. One that ends inside the
-        // version is a reply cut short, and half a version would pass for an older one.
-        Common::DebugLogger::LogCommand("Firmware version \"%s\" refused: the reply ended inside it",
-                                        version.c_str());
-        return;
-    }
     if (familyOf(controller) == Names::ATTR_VALUE_CONTROLLER_FIRMWARE_FAMILY_QBX_FIR) {
         version = qbxVersion(version);
     }
@@ -93,7 +83,7 @@ void discoverController(Schema::ModRoot& root, AdapterProperties const& adapter,
     SenseControllerCommand<SenseSubsystemInformationTrait> subsystem;
     subsystem(device);
     SenseControllerCommand<IdentifyControllerTrait> identify;
-    bool const identified = identify(device);
+    bool const identified = identify(device) && holdsWhole(identify, "Identify record");
 
     Schema::ArrayController* const controller =
         new Schema::ArrayController(adapter.handle, false, PHYSICAL_UNITS, LOGICAL_UNITS, locationKey);
@@ -116,9 +106,10 @@ Core::OperationReturn DiscoverArrayController::visit(Schema::ModRoot& root) {
     Common::CompoundList keys(false);
     for (auto handle = adapters.begin(); handle != adapters.end(); ++handle) {
         AdapterProperties const adapter(*handle);
+        // A controller's key mustn't hang on whether its neighbour in the same slot answers.
+        Common::string const key = locationKeyOf(adapter, keys);
+        keys.Add(key);
         if (adapter.status == "OK") {
-            Common::string const key = locationKeyOf(adapter, keys);
-            keys.Add(key);
             discoverController(root, adapter, key);
         }
     }

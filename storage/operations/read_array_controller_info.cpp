@@ -6,6 +6,7 @@
 #include "command/controller_command.h"
 #include "command/device_command_return.h"
 #include "command/logical_drive_command.h"
+#include "command/passing_condition.h"
 #include "common/debug_logger.h"
 #include "core/device_finder.h"
 #include "core/operation_context.h"
@@ -111,11 +112,14 @@ void checkConfigurationVersions(Schema::ArrayController& controller, IDENTIFY_CO
          seen < identify.bConfiguredLogicalDrives && unit < controller.maxLogicalUnits(); ++unit) {
         SenseLogicalDriveCommand<SenseLogicalDriveConfigurationTrait> configuration(unit);
         if (!configuration(controller)) {
-            if (configuration.bSenseKey() != 0) {
-                // It kept saying so for as long as a command is repeated; the other units would too.
+            // Nobody there, or it kept asking for a moment for as long as a command is repeated: the other
+            // units would take as long and end the same way.
+            if (!configuration.isDelivered() ||
+                isPassingCondition(configuration.bSenseKey(), configuration.bASC())) {
                 Common::DebugLogger::LogCommand(
-                    "Configuration of unit %u not read (sense key %u); ending the scan",
-                    static_cast<unsigned>(unit), static_cast<unsigned>(configuration.bSenseKey()));
+                    "Configuration of unit %u not read (status %d, sense key %u); ending the scan",
+                    static_cast<unsigned>(unit), static_cast<int>(configuration.i32LowLevelStatus()),
+                    static_cast<unsigned>(configuration.bSenseKey()));
                 return;
             }
             continue;
@@ -140,7 +144,7 @@ void readStage(Schema::ArrayController& controller, Core::OperationReturn& resul
     }
     Command command;
     DeviceCommandReturn::executeCommand(command, controller, result);
-    if (result) {
+    if (result && holdsWhole(command, "Record of a controller")) {
         publishRecord(controller, command.record());
     }
 }
@@ -195,6 +199,10 @@ Core::OperationReturn ReadArrayControllerInfo::visit(Schema::ArrayController& co
     Core::OperationReturn result;
     SenseControllerCommand<IdentifyControllerTrait> command;
     DeviceCommandReturn::executeCommand(command, controller, result);
+    if (result && !holdsWhole(command, "Identify record")) {
+        result.Receive(Core::Attribute(Interface::TOLKMod::OperationReturn::ATTR_NAME_STATUS,
+                                       Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE));
+    }
     bool const identified = static_cast<bool>(result);
     IDENTIFY_CONTROLLER const& identify = command.record();
 
@@ -221,7 +229,11 @@ Core::OperationReturn ReadArrayControllerInfo::visit(Schema::ArrayController& co
         // What the buffer holds is no reply, and nothing is to be read out of it.
         return result;
     }
+    controller.Clear(Names::ATTR_NAME_ENCRYPTION_CONFIG_LOCKOUT);
+    controller.Clear(Names::ATTR_NAME_CONTROLLER_MODE);
     if (name == Names::ATTR_VALUE_CONTROLLER_NAME_HAZEL &&
+        fromWire(identify.dwFixedStructureLength) >=
+            KSL_MEMBER_END(IDENTIFY_CONTROLLER, dwEncryptionStatus) &&
         (fromWire(identify.dwEncryptionStatus) & IdentifyFlags::CONFIG_LOCKOUT) != 0) {
         publish(controller, Names::ATTR_NAME_ENCRYPTION_CONFIG_LOCKOUT,
                 Names::ATTR_VALUE_ENCRYPTION_CONFIG_LOCKOUT_TRUE);

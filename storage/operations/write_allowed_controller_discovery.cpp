@@ -41,10 +41,16 @@ Texts& WriteAllowedControllerDiscovery::s_ControllerNameToFamily() {
     return map;
 }
 
+Common::map<std::uint32_t, Common::string>& WriteAllowedControllerDiscovery::s_dwBusTypeToStr() {
+    static Common::map<std::uint32_t, Common::string> map;
+    return map;
+}
+
 void WriteAllowedControllerDiscovery::fillTables() {
     if (!s_ControllerIDToName().empty()) {
         return;
     }
+    s_dwBusTypeToStr().insert({BUS_TYPE_PCI, Names::ArrayController::ATTR_VALUE_BUS_TYPE_PCI});
     for (auto const& row : Names::controllerModels()) {
         for (std::uint32_t const identifier : row.identifiers) {
             if (identifier != 0) {
@@ -102,6 +108,12 @@ bool WriteAllowedControllerDiscovery::isControllerEnabled(Common::string const& 
 Common::string WriteAllowedControllerDiscovery::controllerIDTostring(Common::string const& identifier) {
     fillTables();
     return textFor(s_ControllerIDToName(), identifier);
+}
+
+Common::string WriteAllowedControllerDiscovery::busTypeToString(std::uint32_t busType) {
+    fillTables();
+    auto const entry = s_dwBusTypeToStr().find(busType);
+    return entry != s_dwBusTypeToStr().end() ? (*entry).second : Common::string();
 }
 
 Common::string WriteAllowedControllerDiscovery::controllerNameToFamilyString(Common::string const& name) {

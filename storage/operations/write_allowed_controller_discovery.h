@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "common/compound_list.h"
 #include "common/map.h"
 #include "core/named_operation.h"
@@ -24,12 +26,16 @@ class WriteAllowedControllerDiscovery
     static Common::string controllerIDTostring(Common::string const& identifier);
     /// Firmware family constant for a name constant; empty for an unknown one.
     static Common::string controllerNameToFamilyString(Common::string const& name);
+    /// Bus type constant for a bus type number; empty for an unknown one.
+    static Common::string busTypeToString(std::uint32_t busType);
+    static constexpr std::uint32_t BUS_TYPE_PCI = 5;
 
   private:
     static Common::string& s_maskType();
     static Common::CompoundList& s_controllerMaskList();
     static Common::map<Common::string, Common::string>& s_ControllerIDToName();
     static Common::map<Common::string, Common::string>& s_ControllerNameToFamily();
+    static Common::map<std::uint32_t, Common::string>& s_dwBusTypeToStr();
     static void fillTables();
 };
 

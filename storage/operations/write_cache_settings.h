@@ -26,8 +26,8 @@ class WriteCacheSettings
                                   Core::DeviceOperation::eWrite, FilterCacheOwner, Schema::VisitorModRoot,
                                   Schema::VisitorArrayController> {
   public:
-    using NamedOperation::visit;
     using Core::DeviceOperation::visit;
+    using NamedOperation::visit;
     Core::OperationReturn visit(Schema::ModRoot& root) override;
     Core::OperationReturn visit(Schema::ArrayController& controller) override;
     Common::shared_ptr<Core::Capability> getCapabilityPtr(Common::shared_ptr<Core::Device> device) override;

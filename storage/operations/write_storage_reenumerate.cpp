@@ -73,11 +73,12 @@ class LogicalReenumeratePredicate : public Core::Device::ReenumeratePredicate {
     Core::Device const& m_controller;
 };
 
+/// Whoever holds a removed device learns that it is gone.
 void removeChildren(Core::Device& parent, char const* type) {
     auto child = parent.beginChild();
     while (child != parent.endChild()) {
         DevicePointer const current = *child++;
-        if (isType(current, type)) parent.clear(current);
+        if (isType(current, type)) parent.discard(current);
     }
 }
 
@@ -99,8 +100,6 @@ void rebuild(DevicePointer const& device, SideRow const& row, ResultList& result
     }
     for (DevicePointer const& child : made)
         device->ReenumerateChildrenFor(child, everything, context, results);
-    for (DevicePointer const& child : made)
-        device->CreateAssociationsFor(child, everything, results);
     context->SetReenumerateContext(Core::OperationContext::eBottomUpReenumerate);
     for (DevicePointer const& child : made)
         device->BottomUpReenumerateFor(child, everything, context, results);
@@ -128,14 +127,20 @@ Core::OperationReturn WriteStorageReenumerate::visit(Core::Device& device) {
                                     ? getArgValue(Names::Device::ATTR_NAME_REENUMERATE_TYPE)
                                     : Common::string(Names::Device::ATTR_VALUE_REENUMERATE_TYPE_DEFAULT);
     ResultList steps;
+    Core::Device::ReenumerationMark const mark;
+    Core::Device::ReenumeratePredicate const everything;
     if (type == Names::Device::ATTR_VALUE_REENUMERATE_TYPE_LOGICAL) {
+        device.DeleteAssociationsFor(self, everything, steps);
         if (device.hasOperation(LOGICAL_SIDE.discovery)) removeChildren(device, LOGICAL_SIDE.type);
         steps = device.DoReenumerate(LogicalReenumeratePredicate(device));
     } else if (type == Names::Device::ATTR_VALUE_REENUMERATE_TYPE_PHYSICAL) {
+        // Links lead to devices of both sides, and two linked devices would keep each other.
+        device.DeleteAssociationsFor(self, everything, steps);
         for (SideRow const& row : PHYSICAL_SIDE)
             rebuild(self, row, steps);
+        device.CreateAssociationsFor(self, everything, steps);
     } else if (type == Names::Device::ATTR_VALUE_REENUMERATE_TYPE_DEFAULT) {
-        steps = device.DoReenumerate(Core::Device::ReenumeratePredicate());
+        steps = device.DoReenumerate(everything);
     } else {
         DeviceCommandReturn::ArgumentProblem(Status::ATTR_VALUE_STATUS_ARGUMENT_INVALID,
                                              Names::Device::ATTR_NAME_REENUMERATE_TYPE, result);

@@ -23,8 +23,8 @@ class WriteStorageReenumerate
     : public Core::NamedOperation<Interface::TOLKMod::Device::OPERATION_WRITE_REENUMERATE,
                                   Core::DeviceOperation::eWrite, FilterLocalController> {
   public:
-    using NamedOperation::visit;
     using Core::DeviceOperation::visit;
+    using NamedOperation::visit;
     Core::OperationReturn visit(Core::Device& device) override;
     Common::shared_ptr<Core::Capability> getCapabilityPtr(Common::shared_ptr<Core::Device> device) override;
 };

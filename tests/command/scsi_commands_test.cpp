@@ -411,6 +411,17 @@ TEST(FlashCommands, AFailedChunkIsTheLast) {
     FlashPhysicalDriveFirmware driveFlash(FlashPhysicalDriveFirmware::eChunks, spanOf(large));
     EXPECT_FALSE(driveFlash(drive));
     EXPECT_EQ(drive.lines.size(), 2U);
+    // A controller refuses a chunk by its own status, with a good SCSI status beside it.
+    Script const refused = {Answer{}, {.commandStatus = 4}, Answer{}};
+    RecordingDevice sep(refused);
+    FlashSEPFirmware sepFlash(FlashSEPFirmware::eMode7Chunks, spanOf(image), 4096);
+    EXPECT_FALSE(sepFlash(sep));
+    EXPECT_EQ(sep.lines.size(), 2U);
+    RecordingDevice ata(refused);
+    SCSIATADownloadMicrocode download(spanOf(large));
+    EXPECT_FALSE(download(ata));
+    EXPECT_EQ(download.wCommandStatus(), 4);
+    EXPECT_EQ(ata.lines.size(), 2U);
 }
 
 }  // namespace

@@ -44,6 +44,16 @@ struct RegistryTest : testing::Test {
     OperationList first, second;
 };
 
+TEST_F(RegistryTest, APairMayBeDeclaredBeforeItsOperation) {
+    tables->RegisterSchema("T1", first);
+    EXPECT_TRUE(tables->RegisterSchemaOperationDependency("T1", "A"));
+    tables->Activate("T1", "A");
+    EXPECT_EQ(namesIn(first), Texts{});
+    declare("T1", "A");
+    tables->Activate("T1", "A");
+    EXPECT_EQ(namesIn(first), Texts{"A"});
+}
+
 TEST_F(RegistryTest, OnlyActivatedPairsExistInOrderOfActivation) {
     tables->RegisterSchema("T1", first);
     tables->RegisterSchema("T2", second);

@@ -100,7 +100,13 @@ TEST_F(RawAccess, RefusesWhatIsNoCommandOfItsKind) {
          "ATTR_NAME_ATA_COMMAND"},
         {new Operations::SendATACommand, "ATTR_NAME_ATA_COMMAND", "x", "ATTR_VALUE_STATUS_ARGUMENT_INVALID",
          "ATTR_NAME_ATA_COMMAND"},
-        {new Operations::ReadBMICCommand, "ATTR_NAME_BMIC_COMMAND", "1",
+        {new Operations::ReadSCSICommand, "ATTR_NAME_SCSI_COMMAND", "64x",
+         "ATTR_VALUE_STATUS_ARGUMENT_INVALID", "ATTR_NAME_SCSI_COMMAND"},
+        {new Operations::ReadSCSICommand, "ATTR_NAME_SCSI_COMMAND", "-64",
+         "ATTR_VALUE_STATUS_ARGUMENT_INVALID", "ATTR_NAME_SCSI_COMMAND"},
+        {new Operations::ReadSCSICommand, "ATTR_NAME_SCSI_COMMAND", "18446744073709551680",
+         "ATTR_VALUE_STATUS_ARGUMENT_INVALID", "ATTR_NAME_SCSI_COMMAND"},
+        {new Operations::ReadBMICCommand, "ATTR_NAME_BMIC_COMMAND", "64",
          "ATTR_VALUE_STATUS_PERFORM_NOT_REACHABLE", ABSENT},
     };
     for (Row const& row : rows) {

@@ -208,6 +208,12 @@ TEST_F(ControllerDiscovery, ControllersOfOneSlotKeepIdentitiesOfTheirOwn) {
     ASSERT_EQ(3U, again.size());
     for (std::size_t i = 0; i < again.size(); ++i)
         EXPECT_EQ(first[i].get(), again[i].get()) << "the device stays across discoveries";
+    // The others are who they were when one of them is silent.
+    addFault(R"({"match": {"device": "a"}, "action": {"errno": "EIO"}})");
+    discover();
+    EXPECT_EQ((Strings{"AC:DBDF_0000_06_00_01", "AC:DBDF_0000_06_00_02"}),
+              controllers("ATTR_NAME_UNIQUE_ID"));
+    EXPECT_EQ((Strings{"SERIAL-b", "SERIAL-c"}), controllers("ATTR_NAME_CONTROLLER_SERIAL_NUMBER"));
 }
 
 TEST_F(ControllerDiscovery, ASlotThatTheBusDoesNotTellComesFromTheController) {

@@ -1,4 +1,5 @@
 #include "storage/operations/filter_controller_status.h"
+#include "storage/operations/read_array_controller_info.h"
 #include "storage/schema/array_controller.h"
 #include "storage/schema/identity.h"
 #include "tests/storage/storage_fixture.h"
@@ -174,6 +175,55 @@ TEST_F(ControllerState, ConfigurationVersions) {
         discover(oneController({{"logical_drives", drives}, {"identify", identify}}));
         EXPECT_EQ(row.state, stateOf(only()));
         EXPECT_EQ(row.asked, sent("50020000 in 512"));
+    }
+}
+
+/// A unit that refuses is passed over. One that asks for a moment, or a controller that isn't reached, ends
+/// the scan: the other units would take as long.
+TEST_F(ControllerState, ConfigurationsThatAreNotRead) {
+    struct Row {
+        char const* action;  ///< of every command for the first unit, or of all
+        char const* nth;
+        char const* state;
+        std::size_t asked;
+    };
+    static Row const rows[] = {
+        {R"({"scsi_status": 2, "sense": [5, 36, 0]})", R"(, "nth": 1)", "NEED_UPDATED_STORAGEMOD_VERSION", 2},
+        {R"({"command_status": 4})", R"(, "nth": 1)", "NEED_UPDATED_STORAGEMOD_VERSION", 2},
+        {R"({"errno": "ETIMEDOUT"})", "", "OK", 1},
+        {R"({"scsi_status": 2, "sense": [6, 41, 0]})", "", "OK", 61},
+        {R"({"scsi_status": 2, "sense": [2, 4, 1]})", "", "OK", 61},
+    };
+    for (Row const& row : rows) {
+        SCOPED_TRACE(row.action);
+        start(oneController(
+            {{"logical_drives", json::array({{{"configuration", json::object()}},
+                                             {{"configuration", {{"bConfigModMajorVer", 17}}}}})}}));
+        addFault(
+            (R"({"match": {"command": "0x50")" + std::string(row.nth) + R"(}, "action": )" + row.action + "}")
+                .c_str());
+        discover();
+        EXPECT_EQ(row.state, stateOf(only()));
+        EXPECT_EQ(row.asked, sent("50020000 in 512"));
+    }
+}
+
+/// What a controller that isn't local is asked.
+TEST_F(ControllerState, ItsLocationDecidesWhatIsRead) {
+    struct Row {
+        char const* location;
+        std::size_t redundancy;
+        std::size_t parameters;
+    };
+    for (Row const& row : {Row{"ATTR_VALUE_LOCATION_LOCAL", 1, 1}, Row{"ATTR_VALUE_LOCATION_REMOTE", 0, 0},
+                           Row{"ATTR_VALUE_LOCATION_EXTERNAL", 1, 0}}) {
+        discover(oneController());
+        Schema::publish(only(), "ATTR_NAME_LOCATION", row.location);
+        std::size_t const redundancy = sent("82020000 in 512");
+        std::size_t const parameters = sent("64020000 in 512");
+        EXPECT_TRUE(only().perform(OperationPointer(new Operations::ReadArrayControllerInfo)));
+        EXPECT_EQ(row.redundancy, sent("82020000 in 512") - redundancy) << row.location;
+        EXPECT_EQ(row.parameters, sent("64020000 in 512") - parameters) << row.location;
     }
 }
 

@@ -57,20 +57,33 @@ TEST_F(DamagedReplies, ChangedBytesAndShortReplies) {
     EXPECT_GT(damaged(), 100U * 10);
 }
 
-/// A version is whole or it isn't there: half of one would pass for another.
-TEST_F(DamagedReplies, AShortReplyNeverGivesHalfAVersion) {
-    make(oneController());
-    for (char const* command : {"0x11", "0x66"}) {
-        for (unsigned length = 0; length <= 300; length += length < 12 ? 1 : 37) {
+/// A reply that was cut tells nothing: half a version would pass for another, a lock for open, a zone for
+/// none.
+TEST_F(DamagedReplies, ACutReplyIsNoReply) {
+    make(oneController({{"identify",
+                         {{"dwEvenMoreControllerFlags", 512},
+                          {"dwEncryptionStatus", 16},
+                          {"dwFixedStructureLength", 512}}}}));
+    for (char const* command : {"0x11", "0x66", "0xC1"}) {
+        bool const isIdentify = command == std::string("0x11");
+        for (unsigned const length : {0U, 4U, 8U, 9U, 75U, 199U, 200U, 260U, 511U, 600U}) {
             SCOPED_TRACE(std::string(command) + " " + std::to_string(length));
             restart();
             machine->addFaults({{{"match", {{"command", command}}}, {"action", {{"truncate", length}}}}},
                                "short");
             discover();
             ASSERT_EQ(1U, controllers().size());
-            std::string const version = attribute(only(), "ATTR_NAME_FIRMWARE_VERSION");
-            bool const isCut = command == std::string("0x11") && length < 9;
-            EXPECT_EQ(isCut ? ABSENT : "6.40", version);
+            bool const isKnown = !isIdentify || length == 600;
+            EXPECT_EQ(isKnown ? "6.40" : ABSENT, attribute(only(), "ATTR_NAME_FIRMWARE_VERSION"));
+            EXPECT_EQ(isKnown ? "ATTR_VALUE_ZONING_ENABLED_TRUE" : ABSENT,
+                      attribute(only(), "ATTR_NAME_ZONING_ENABLED"));
+            EXPECT_EQ(isKnown ? "ATTR_VALUE_ENCRYPTION_FW_LOCKED_TRUE" : ABSENT,
+                      attribute(only(), "ATTR_NAME_ENCRYPTION_FW_LOCKED"));
+            EXPECT_EQ(isKnown ? ABSENT : "ATTR_VALUE_CONTROLLER_STATE_CONTROLLER_COMMUNICATION_ERROR",
+                      attribute(only(), "ATTR_NAME_CONTROLLER_STATE"));
+            if (command == std::string("0x66")) {
+                EXPECT_EQ(ABSENT, attribute(only(), "ATTR_NAME_CONTROLLER_SERIAL_NUMBER"));
+            }
         }
     }
 }

@@ -120,7 +120,7 @@ TEST_F(Passthru, BigTransfersTakeTheBigRecord) {
         {126976 * 2 + 31, BIG_PASSTHRU, 9216},
     };
     for (Row const& row : rows) {
-        SCSIRequest request = scsiRequest(row.size, EnTransferType::Out);
+        SCSIRequest request = scsiRequest(row.size);
         ASSERT_TRUE(SendSCSICommand(handleFor("QRTH:0000000000000000"), request));
         auto const& call = system.calls.back();
         EXPECT_EQ(call.request, row.request) << row.size;
@@ -131,6 +131,20 @@ TEST_F(Passthru, BigTransfersTakeTheBigRecord) {
             EXPECT_EQ(numberAt<std::uint64_t>(call.record, 88),
                       reinterpret_cast<std::uintptr_t>(data.data()));
         }
+    }
+}
+
+/// The small record can't tell such sizes: a part of a write would pass for the whole.
+TEST_F(Passthru, WritesBetweenTheTwoRecordsAreNotSent) {
+    for (std::uint32_t const size : {65536U, 127999U}) {
+        SCSIRequest request = scsiRequest(size, EnTransferType::Out);
+        EXPECT_FALSE(SendSCSICommand(handleFor("QRTH:0000000000000000"), request)) << size;
+        EXPECT_EQ(request.lowLevelStatus, EMSGSIZE);
+    }
+    EXPECT_TRUE(system.calls.empty());
+    for (std::uint32_t const size : {65535U, 128000U}) {
+        SCSIRequest request = scsiRequest(size, EnTransferType::Out);
+        EXPECT_TRUE(SendSCSICommand(handleFor("QRTH:0000000000000000"), request)) << size;
     }
 }
 
@@ -206,10 +220,14 @@ TEST_F(Passthru, RoutesThatMatchNothingSendNothing) {
     for (char const* route : {"BMIC:3", "CSMI:1:0011223344556677", "", "XYZ", "QRTH:12"}) {
         BMICRequest request = bmicRequest(512);
         EXPECT_FALSE(SendBMICCommand(handleFor(route), request)) << route;
+        EXPECT_EQ(request.lowLevelStatus, -1) << "a failure leaves a status";
     }
-    for (char const* route : {"XYZ:1", "CSMI:5", "QR", "QRTH:zz"}) {
+    for (char const* route :
+         {"XYZ:1", "CSMI:5", "QR", "QRTH:zz", "BMIC:abc", "BMIC:", "BMIC:65536", "CSMI:256:0011223344556677",
+          "CSMI::0011223344556677", "CSMI:-1:0011223344556677"}) {
         SCSIRequest request = scsiRequest(8);
         EXPECT_FALSE(SendSCSICommand(handleFor(route), request)) << route;
+        EXPECT_EQ(request.lowLevelStatus, -1) << route;
     }
     EXPECT_TRUE(system.calls.empty());
     SCSIRequest request = scsiRequest(8);
@@ -231,6 +249,7 @@ TEST_F(Passthru, GenericRecordHasTheKernelsLayout) {
     for (Row const& row : rows) {
         SCSIRequest request = scsiRequest(0x89ABC, row.direction);
         request.scsiStatus = 0x77;
+        request.commandStatus = 0x55;
         ASSERT_TRUE(SendSCSICommand(handleFor(""), request));
         auto const& call = system.calls.back();
         EXPECT_EQ(call.request, SG);
@@ -322,6 +341,44 @@ TEST_F(Passthru, CsmiReturnCodeIsAFailureAndLengthsInTheReplyAreBounded) {
     EXPECT_TRUE(SendSCSICommand(handleFor("CSMI:9:5000C50011223344", "/dev/mpt2ctl"), greedy));
     EXPECT_EQ(numberAt<std::uint32_t>(system.calls.back().record, 0), 0xFFFFFFFFU) << "no controller number";
     EXPECT_EQ(greedy.dataLength, 16U);
+}
+
+/// Where data stands in the record, and which way it goes, by transfer type.
+TEST_F(Passthru, CsmiDataGoesTheWayOfItsTransfer) {
+    struct Row {
+        EnTransferType transferType;
+        std::uint16_t direction;
+        std::uint32_t flags;
+        bool isOut;
+        bool isIn;
+    };
+    static Row const rows[] = {
+        {EnTransferType::In, 0, 1, false, true},         {EnTransferType::Out, 1, 2, true, false},
+        {EnTransferType::InOut, 1, 4, true, true},       {EnTransferType::None, 0, 4, false, false},
+        {EnTransferType::MessageIn, 0, 0, false, false}, {EnTransferType::MessageOut, 0, 0, false, false},
+    };
+    for (Row const& row : rows) {
+        SCOPED_TRACE(static_cast<unsigned>(row.transferType));
+        system.answer = [](FakeSystem::Call const&, unsigned char* record) {
+            record[356] = 16;  // as many bytes came
+            for (unsigned i = 0; i < 16; ++i)
+                record[360 + i] = static_cast<unsigned char>(0xA0 + i);
+            return 0;
+        };
+        SCSIRequest request = scsiRequest(16, row.transferType);
+        for (unsigned i = 0; i < 16; ++i)
+            request.dataBuffer[i] = static_cast<unsigned char>(0x10 + i);
+        request.commandStatus = 0x55;
+        ASSERT_TRUE(SendSCSICommand(handleFor("CSMI:9:5000C50011223344", "/dev/mpt2ctl:7"), request));
+        auto const& sent = system.calls.back().record;
+        EXPECT_EQ(numberAt<std::uint16_t>(sent, 16), row.direction);
+        EXPECT_EQ(numberAt<std::uint32_t>(sent, 60), row.flags);
+        EXPECT_EQ(sent[360], row.isOut ? 0x10 : 0);
+        EXPECT_EQ(sent[375], row.isOut ? 0x1F : 0);
+        EXPECT_EQ(request.dataBuffer[0], row.isIn ? 0xA0 : 0x10);
+        EXPECT_EQ(request.dataBuffer[15], row.isIn ? 0xAF : 0x1F);
+        EXPECT_EQ(request.commandStatus, 0);
+    }
 }
 
 TEST_F(Passthru, PauseAndResumeByCsmi) {
