@@ -31,16 +31,18 @@ void serve(SCSI_READ_CACHE const& reply, Request& request) {
             std::memset(request.senseBuffer, 0, request.senseLength);
         }
     }
+    request.dataLength = std::min(request.dataLength, reply.received);
     request.scsiStatus = whole ? reply.scsiStatus : 0;
     request.commandStatus = whole ? reply.commandStatus : DATA_OVERRUN;
 }
 
 // Takes the reply out of a request that came back. The lengths are those that the request was sent with: a
-// transport may report shorter ones, of which a shorter data length is believed.
+// transport may report shorter ones. The whole buffer is kept, so that the same request finds it again, and
+// how much of it came.
 template <class Request>
 void keep(SCSI_READ_CACHE& reply, Request const& request, unsigned dataLength, unsigned senseLength) {
-    unsigned const length =
-        request.dataBuffer != nullptr ? std::min<unsigned>(dataLength, request.dataLength) : 0;
+    unsigned const length = request.dataBuffer != nullptr ? dataLength : 0;
+    reply.received = std::min<unsigned>(length, request.dataLength);
     unsigned const sense = request.senseBuffer != nullptr ? senseLength : 0;
     reply.data = Common::string(reinterpret_cast<char const*>(request.dataBuffer), length);
     reply.sense = Common::string(reinterpret_cast<char const*>(request.senseBuffer), sense);

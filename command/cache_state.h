@@ -39,6 +39,7 @@ struct SCSI_READ_CACHE {
     Common::string sense;
     std::uint8_t scsiStatus = 0;
     std::uint16_t commandStatus = 0;
+    std::uint32_t received = 0;  // bytes of `data` that came
 };
 
 struct BMIC_READ_CACHE : SCSI_READ_CACHE {

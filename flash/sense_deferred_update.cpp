@@ -5,6 +5,7 @@
 #include "command/controller_command.h"
 #include "command/device_command_return.h"
 #include "common/conversion.h"
+#include "common/debug_logger.h"
 #include "core/device.h"
 #include "core/tolkmod.h"
 #include "flash/vocabulary_enclosure.h"
@@ -93,6 +94,11 @@ Core::OperationReturn SenseDeferredUpdate::visit(Schema::PhysicalDrive& drive) {
     // The drive passes it up to the controller that it hangs behind.
     SensePhysicalDriveCommand<SenseDeferredUpdateStatusTrait, false> command(number);
     DeviceCommandReturn::executeCommand(command, static_cast<BMICDevice&>(drive), result);
+    if (result && command.receivedLength() != PAGE_SIZE) {
+        Common::DebugLogger::LogCommand("Deferred update status refused: %u bytes came, %u expected",
+                                        command.receivedLength(), PAGE_SIZE);
+        result.Receive(Core::Attribute(Results::ATTR_NAME_STATUS, Results::ATTR_VALUE_STATUS_FAILURE));
+    }
     if (result) {
         std::memcpy(reinterpret_cast<void*>(static_cast<std::uintptr_t>(address)), command.buffer().data(),
                     PAGE_SIZE);

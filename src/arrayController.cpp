@@ -132,13 +132,15 @@ int CheckArray(DevicePointer const& device) {
         cli.logVerbose("CheckArray: Unsupported device\n");
         return codeOk;
     }
-    if (isBeyondCollection(getValue(device, Interface::TOLKMod::Device::ATTR_NAME_UNIQUE_ID, ""))) {
+    std::string const uniqueId = getValue(device, Interface::TOLKMod::Device::ATTR_NAME_UNIQUE_ID, "");
+    if (isBeyondCollection(uniqueId)) {
         return codeOk;
     }
     ++gblFound;
     bool flashIt = gblForceFlashing != 0;
     if (!gblFlashing && !device->hasAttribute(Names::ATTR_NAME_FIRMWARE_VERSION)) {
         cli.logVerbose("Controller does not have a firmware version.");
+        rememberWithoutRow(uniqueId);
         return codeOk;
     }
     float const catalogue = VersionToFloat(entry->version);
@@ -146,8 +148,8 @@ int CheckArray(DevicePointer const& device) {
     cli.logVerbose("Unit has %s vs %0.2f\n", controller.version.c_str(), static_cast<double>(catalogue));
     updateState const state = compareVersions(current, catalogue);
     // Whatever the comparison found: for a controller the choice lies with the mark in its row, which
-    // FlashArray looks at.
-    flashIt = true;
+    // FlashArray looks at. One that didn't tell what it is got no row, and its twin's is no choice for it.
+    flashIt = !isWithoutRow(uniqueId);
     setMinMaxFWVersion(controller.version);
     if (isDiscoveryPass()) {
         recordController(controller, catalogue, current, state);

@@ -190,4 +190,5 @@ void askUserInput(updateState state, int count) {
 void clearMemory() {
     DiscoveryInfo::DeleteInstance();
     Config::DeleteInstance();
+    forgetWithoutRow();
 }

@@ -78,6 +78,27 @@ int addToDeviceCollection(std::string const& deviceType, std::string const& devi
     return discoveredDeviceCount;
 }
 
+namespace {
+
+std::set<std::string>& withoutRow() {
+    static std::set<std::string> identifiers;
+    return identifiers;
+}
+
+}  // namespace
+
+void rememberWithoutRow(std::string const& uniqueId) {
+    withoutRow().insert(uniqueId);
+}
+
+void forgetWithoutRow() {
+    withoutRow().clear();
+}
+
+bool isWithoutRow(std::string const& uniqueId) {
+    return withoutRow().count(uniqueId) != 0;
+}
+
 bool isBeyondCollection(std::string const& uniqueId) {
     static std::set<std::string> beyond;
     if (isDiscoveryPass() && discoveredDeviceCount >= DEVICE_ROWS) {

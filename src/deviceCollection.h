@@ -47,6 +47,13 @@ int addToDeviceCollection(std::string const& deviceType, std::string const& devi
 /// controller without a row for its twin that has one.
 bool isBeyondCollection(std::string const& uniqueId);
 
+/// A device that the discovery pass inspected without giving it a row. The update pass finds rows by model,
+/// and would take the device for its twin that has one.
+void rememberWithoutRow(std::string const& uniqueId);
+bool isWithoutRow(std::string const& uniqueId);
+/// At the end of a run.
+void forgetWithoutRow();
+
 /// Sets the status of every row with this id, so that of two devices with one id the later check decides.
 void setUpdateStatusToDeviceCollection(std::string const& deviceId, updateState state);
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "common/debug_logger.h"
 #include "sysmod/command_log.h"
 #include "sysmod/system_calls.h"
 
@@ -123,6 +124,13 @@ bool ATACommandHandler::ConvertToSCSIRequest(ATARequest const& request, DataSpan
     bool const isOut =
         request.transferType == EnTransferType::Out || request.transferType == EnTransferType::InOut;
     constexpr std::uint32_t SECTOR_SIZE = 512;
+    constexpr std::uint32_t MOST_SECTORS = 255;  // the count has one byte here
+    if (request.sectorCount == 0 && request.dataLength / SECTOR_SIZE > MOST_SECTORS) {
+        Common::DebugLogger::LogCommand("ATA command of %u sectors refused: at most %u expected",
+                                        static_cast<unsigned>(request.dataLength / SECTOR_SIZE),
+                                        static_cast<unsigned>(MOST_SECTORS));
+        return false;
+    }
     std::memset(block.bytes, 0, block.size);
     block.bytes[0] = 0x85;
     block.bytes[1] = isIn ? PIO_IN : isOut ? PIO_OUT : NO_DATA;

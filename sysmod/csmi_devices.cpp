@@ -28,6 +28,8 @@ constexpr std::uint8_t DRIVE_PROTOCOLS = 1 | 4 | 8;
 
 /// Expanders in a row; a real topology has a few.
 constexpr int DEPTH_LIMIT = 8;
+/// Devices behind one adapter; each phy of a hostile expander could name a fresh one.
+constexpr std::size_t DEVICE_LIMIT = 4096;
 
 // SMP request and response frames (SAS), without CRC.
 constexpr std::uint8_t SMP_REQUEST = 0x40;
@@ -91,7 +93,8 @@ class Walk {
     OpenDeviceNode const& m_node;
     HandleMap& m_devices;
     PropertyTable m_adapter;
-    std::set<std::string> m_seen;  ///< SAS addresses that were looked at
+    std::set<std::string> m_seen;
+    bool m_isFull = false;  ///< SAS addresses that were looked at
     unsigned m_count = 0;
 };
 
@@ -125,6 +128,14 @@ void Walk::adapterPhys(CsmiPhyInfo const& record) {
 
 void Walk::visit(unsigned phy, Attached const& attached, CSMIAddress const& address,
                  Common::string const& parentRoute, int depth) {
+    if (m_seen.size() >= DEVICE_LIMIT) {
+        if (!m_isFull) {
+            DebugLogger::LogCommand("No more than %u devices are looked at",
+                                    static_cast<unsigned>(DEVICE_LIMIT));
+        }
+        m_isFull = true;
+        return;
+    }
     switch (attached.type) {
         case END_DEVICE:
             DebugLogger::LogCommand("Phy %d: End device.", static_cast<int>(phy));

@@ -117,7 +117,7 @@ bool CSMICommandHandler::carryCommand(OpenDeviceNode const& node, std::uint8_t c
     if (data.size > UINT16_MAX) {
         // The border between the two records lies at 128,000 bytes although the small one counts in 16 bits.
         // It stays there: drivers in the field expect the small record up to it. A read then gets a part of
-        // what it asked for, and is told so; a write isn't sent, as its part would pass for the whole.
+        // what it asked for, which the log tells; a write isn't sent, as its part would pass for the whole.
         Common::DebugLogger::LogCommand("Pass-through of %u bytes: the record's buffer size holds at most %u",
                                         static_cast<unsigned>(data.size), static_cast<unsigned>(UINT16_MAX));
         if (transferType != EnTransferType::In) {

@@ -22,6 +22,8 @@ constexpr std::size_t LENGTH_BITS = 0xFFFFFF;
 /// Command status values that count as success.
 constexpr std::uint16_t DATA_UNDERRUN = 2;
 constexpr std::uint16_t DATA_OVERRUN = 3;
+/// Command status that says: see the SCSI status.
+constexpr std::uint16_t TARGET_STATUS = 1;
 
 /// WRITE BUFFER: mode, offset and length, high bytes first.
 struct WriteBufferBlock {
@@ -47,11 +49,15 @@ bool send(SCSIDevice& device, SCSIRequest& request, unsigned char* block, std::u
     // The record has one pointer for both directions; data that goes out is only read.
     request.dataBuffer = size != 0 ? const_cast<unsigned char*>(data) : nullptr;
     request.dataLength = static_cast<std::uint32_t>(size);
+    bool const sent = device.sendSCSICommand(request);
     // A controller also refuses by its own status, with a good SCSI status beside it: the next chunk must not
     // cover that up.
-    return device.sendSCSICommand(request) &&
-           (request.commandStatus == 0 || request.commandStatus == DATA_UNDERRUN ||
-            request.commandStatus == DATA_OVERRUN);
+    bool const isRun = request.commandStatus == DATA_UNDERRUN || request.commandStatus == DATA_OVERRUN;
+    if (!sent && isRun) {
+        // The device refused it; the length of what was moved makes no success of that.
+        request.commandStatus = TARGET_STATUS;
+    }
+    return sent && (request.commandStatus == 0 || isRun);
 }
 
 /// Calls `sendChunk(offset, size)` for each chunk until one fails; the last may be shorter.

@@ -5,6 +5,13 @@
 #include "command/endian.h"
 #include "common/debug_logger.h"
 
+namespace {
+
+constexpr std::size_t SMALL_LIMIT = 0xFFFF;
+constexpr std::size_t BIG_MINIMUM = 128000;
+
+}  // namespace
+
 bool ReportLuns::sendCommand(SCSIDevice& device, Interface::SysMod::Command::SCSIRequest& request) {
     resize(HEADER_SIZE);
     setNumber(6, 4, HEADER_SIZE);
@@ -18,10 +25,16 @@ bool ReportLuns::sendCommand(SCSIDevice& device, Interface::SysMod::Command::SCS
         Common::DebugLogger::LogCommand("List of units: %u bytes announced, at most %u expected", announced,
                                         LIST_LIMIT);
     }
-    std::size_t const size = HEADER_SIZE + std::min(announced, LIST_LIMIT);
+    std::size_t size = HEADER_SIZE + std::min(announced, LIST_LIMIT);
+    // No record of the pass-through carries a size between these two whole.
+    if (size > SMALL_LIMIT && size < BIG_MINIMUM) size = BIG_MINIMUM;
     resize(size);
     setNumber(6, 4, size);
-    if (ScsiBlockCommand::sendCommand(device, request)) return true;
-    resize(HEADER_SIZE);
-    return false;
+    if (!ScsiBlockCommand::sendCommand(device, request)) {
+        resize(HEADER_SIZE);
+        return false;
+    }
+    // The list may have become shorter meanwhile, and entries of zeros would be the controller itself.
+    truncateTo(HEADER_SIZE + readBigEndian<std::uint32_t>(data().data()));
+    return true;
 }

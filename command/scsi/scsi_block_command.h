@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <initializer_list>
 #include <vector>
 
@@ -30,6 +31,8 @@ class ScsiBlockCommand : public ScsiCommand {
     // `width` bytes of the block from `at` on, most significant first.
     void setNumber(unsigned int at, unsigned int width, unsigned long long value);
     void resize(std::size_t size) { m_data.assign(size, 0); }
+    // Forgets what stands behind `size`.
+    void truncateTo(std::size_t size) { m_data.resize(std::min(size, m_data.size())); }
 
     // A reply's text without the blanks around it; it ends at the first zero. Empty beyond the reply.
     Common::string text(std::size_t offset, std::size_t size) const;

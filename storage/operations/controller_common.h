@@ -25,7 +25,7 @@ void publishAdapterProperties(Core::Device& device, AdapterProperties const& ada
 template <class Command>
 bool holdsWhole(Command const& command, char const* what) {
     auto const& record = command.record();
-    std::size_t needed = 0;
+    std::size_t needed = 1;  // of a record that doesn't tell its length: anything at all
     std::size_t told = 0;
     if constexpr (requires { record.dwFixedStructureLength; }) {
         needed = offsetof(typename Command::Record, dwFixedStructureLength) + sizeof(std::uint32_t);

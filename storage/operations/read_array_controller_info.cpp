@@ -124,6 +124,9 @@ void checkConfigurationVersions(Schema::ArrayController& controller, IDENTIFY_CO
             }
             continue;
         }
+        if (!holdsWhole(configuration, "Logical drive configuration")) {
+            continue;
+        }
         if (configuration.record().wAssignedDrives == 0) {
             continue;
         }
@@ -136,6 +139,11 @@ void checkConfigurationVersions(Schema::ArrayController& controller, IDENTIFY_CO
     }
 }
 
+void fail(Core::OperationReturn& result) {
+    result.Receive(Core::Attribute(Interface::TOLKMod::OperationReturn::ATTR_NAME_STATUS,
+                                   Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE));
+}
+
 /// One stage: send the command, and publish its record if everything went well so far.
 template <typename Command, typename Publish>
 void readStage(Schema::ArrayController& controller, Core::OperationReturn& result, Publish publishRecord) {
@@ -144,7 +152,10 @@ void readStage(Schema::ArrayController& controller, Core::OperationReturn& resul
     }
     Command command;
     DeviceCommandReturn::executeCommand(command, controller, result);
-    if (result && holdsWhole(command, "Record of a controller")) {
+    if (result && !holdsWhole(command, "Record of a controller")) {
+        fail(result);
+    }
+    if (result) {
         publishRecord(controller, command.record());
     }
 }
@@ -200,8 +211,7 @@ Core::OperationReturn ReadArrayControllerInfo::visit(Schema::ArrayController& co
     SenseControllerCommand<IdentifyControllerTrait> command;
     DeviceCommandReturn::executeCommand(command, controller, result);
     if (result && !holdsWhole(command, "Identify record")) {
-        result.Receive(Core::Attribute(Interface::TOLKMod::OperationReturn::ATTR_NAME_STATUS,
-                                       Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE));
+        fail(result);
     }
     bool const identified = static_cast<bool>(result);
     IDENTIFY_CONTROLLER const& identify = command.record();

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "command/sense_encryption.h"
+#include "storage/operations/controller_common.h"
 #include "storage/operations/publish.h"
 #include "storage/operations/read_array_controller_info.h"
 #include "storage/schema/array_controller.h"
@@ -83,7 +84,7 @@ constexpr FlagRow<ENCRYPTION_KEY_MANAGER_STATUS> KEY_MANAGER_FLAGS[] = {
 template <typename Command, typename... Tables>
 bool readPage(Schema::ArrayController& controller, Tables const&... tables) {
     Command command;
-    if (!command(controller)) {
+    if (!command(controller) || !holdsWhole(command, "Encryption page")) {
         return false;
     }
     (publishRows(controller, tables, command.record()), ...);

@@ -59,12 +59,12 @@ void readPowerInfo(Schema::ArrayController& controller) {
         return;
     }
     SenseControllerCommand<GetPowerModeTrait> mode;
-    if (mode(controller)) {
+    if (mode(controller) && mode.receivedLength() >= sizeof(GET_POWER_MODE)) {
         publishRows(controller, MODE_ROWS, mode.record());
         publishRows(controller, MODE_FLAGS, mode.record());
     }
     SenseControllerCommand<GetTotalBoardPowerTrait> power;
-    if (power(controller)) {
+    if (power(controller) && power.receivedLength() >= sizeof(Records::TOTAL_BOARD_POWER)) {
         publish(controller, Names::ATTR_NAME_POWER_CONSUMPTION,
                 decimalText(power.record().dwTotalBoardPower));
     }

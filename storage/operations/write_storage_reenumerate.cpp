@@ -82,24 +82,42 @@ void removeChildren(Core::Device& parent, char const* type) {
     }
 }
 
-/// Makes the children of a row anew. Without its discovery, which then made none, they stay.
-void rebuild(DevicePointer const& device, SideRow const& row, ResultList& results) {
+using DeviceList = Common::list<DevicePointer>;
+
+/// Makes the children of a row anew and adds them to `made`. Without its discovery, which then made none,
+/// they stay.
+void rebuild(DevicePointer const& device, SideRow const& row,
+             Common::shared_ptr<Core::OperationContext> const& context, DeviceList& made,
+             ResultList& results) {
     auto const discovery = device->getOperation(row.discovery);
     if (!discovery) return;
     removeChildren(*device, row.type);
-    Common::shared_ptr<Core::OperationContext> const context(
-        new Core::OperationContext(Core::OperationContext::eTopDownReenumerate));
     discovery->SetOperationContext(context);
     results.push_back(device->perform(discovery));
     discovery->SetOperationContext(Core::Device::DefaultOperationContext());
 
     Core::Device::ReenumeratePredicate const everything;
-    Common::list<DevicePointer> made;
+    DeviceList ofRow;
     for (auto child = device->beginChild(); child != device->endChild(); ++child) {
-        if (isType(*child, row.type)) made.push_back(*child);
+        if (isType(*child, row.type)) ofRow.push_back(*child);
     }
-    for (DevicePointer const& child : made)
+    for (DevicePointer const& child : ofRow) {
         device->ReenumerateChildrenFor(child, everything, context, results);
+        made.push_back(child);
+    }
+}
+
+/// The steps of a reenumeration in their order, for the physical side alone. Links lead to devices of both
+/// sides, and two linked devices would keep each other.
+void rebuildPhysicalSide(DevicePointer const& device, ResultList& results) {
+    Core::Device::ReenumeratePredicate const everything;
+    Common::shared_ptr<Core::OperationContext> const context(
+        new Core::OperationContext(Core::OperationContext::eTopDownReenumerate));
+    DeviceList made;
+    device->DeleteAssociationsFor(device, everything, results);
+    for (SideRow const& row : PHYSICAL_SIDE)
+        rebuild(device, row, context, made, results);
+    device->CreateAssociationsFor(device, everything, results);
     context->SetReenumerateContext(Core::OperationContext::eBottomUpReenumerate);
     for (DevicePointer const& child : made)
         device->BottomUpReenumerateFor(child, everything, context, results);
@@ -132,13 +150,12 @@ Core::OperationReturn WriteStorageReenumerate::visit(Core::Device& device) {
     if (type == Names::Device::ATTR_VALUE_REENUMERATE_TYPE_LOGICAL) {
         device.DeleteAssociationsFor(self, everything, steps);
         if (device.hasOperation(LOGICAL_SIDE.discovery)) removeChildren(device, LOGICAL_SIDE.type);
-        steps = device.DoReenumerate(LogicalReenumeratePredicate(device));
-    } else if (type == Names::Device::ATTR_VALUE_REENUMERATE_TYPE_PHYSICAL) {
-        // Links lead to devices of both sides, and two linked devices would keep each other.
-        device.DeleteAssociationsFor(self, everything, steps);
-        for (SideRow const& row : PHYSICAL_SIDE)
-            rebuild(self, row, steps);
+        for (Core::OperationReturn const& step : device.DoReenumerate(LogicalReenumeratePredicate(device)))
+            steps.push_back(step);
+        // The walk went no further than the logical side; links of all others were deleted too.
         device.CreateAssociationsFor(self, everything, steps);
+    } else if (type == Names::Device::ATTR_VALUE_REENUMERATE_TYPE_PHYSICAL) {
+        rebuildPhysicalSide(self, steps);
     } else if (type == Names::Device::ATTR_VALUE_REENUMERATE_TYPE_DEFAULT) {
         steps = device.DoReenumerate(everything);
     } else {

@@ -6,6 +6,8 @@
 
 #include "command/cache_device_lists.h"
 #include "command/cache_state.h"
+#include "command/concrete_devices.h"
+#include "command/controller_command.h"
 #include "fakes.h"
 
 namespace {
@@ -68,6 +70,22 @@ class Cache : public testing::Test {
     FakeKernel::Reply next;
     Common::string const handle = handleOf("KEY1");
 };
+
+/// A device that needs a moment is asked again: from memory the condition would never pass.
+TEST_F(Cache, APassingConditionIsNotKept) {
+    FakeClock clock;
+    FakeKernel::Reply attention;
+    attention.scsiStatus = 2;
+    attention.commandStatus = 1;
+    attention.sense = senseOf(6, 0x29, 0);
+    kernel.answer = [&](KernelExchange const&) {
+        return kernel.exchanges.size() == 1 ? attention : FakeKernel::Reply{};
+    };
+    ConcreteBMICDevice device(handle, false, 32, 128);
+    SenseControllerCommand<GetPowerModeTrait> command;
+    EXPECT_TRUE(command(device));
+    EXPECT_EQ(kernel.exchanges.size(), 2U);
+}
 
 TEST_F(Cache, ARepeatedReadIsServedWholeWithoutASend) {
     next.sense = Bytes(32, 0x3E);

@@ -190,6 +190,8 @@ TEST(ScsiCommands, AskTwiceWhereTheLengthIsToldFirst) {
         {{refused}, {first}, 0, false},
         {{{.data = entries}, refused}, {first, second}, 0, false},
         {{{.data = {0xFF, 0xFF, 0xFF, 0xFF}}}, {first, "c30200000000000200080000 in 131080"}, 4096, true},
+        // Between the two passes the list became empty.
+        {{{.data = entries}, Answer{}}, {first, second}, 0, true},
     };
     for (Row const& row : rows) {
         RecordingDevice device(row.answers);

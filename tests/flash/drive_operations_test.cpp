@@ -21,7 +21,8 @@ Core::OperationReturn performOn(Core::Device& device, Core::DeviceOperation* ope
 /// A drive with the index 0x0102 behind the only controller.
 class DeferredUpdate : public FlashTest {
   protected:
-    DeferredUpdate() {
+    DeferredUpdate() { discoverAgain(); }
+    void discoverAgain() {
         discover(oneController(
             {{"identify", {{"sDDFFVersion", "1"}}},
              {"physical_devices",
@@ -88,6 +89,11 @@ TEST_F(DeferredUpdate, RefusesOtherBuffersAndTellsOfAFailure) {
     auto const failed = performOn(*drive, new Operations::SenseDeferredUpdate,
                                   {{"ATTR_NAME_BUFFER_ADDRESS", address}, {"ATTR_NAME_BUFFER_SIZE", "156"}});
     EXPECT_EQ("36", attribute(failed, "ATTR_NAME_SCSI_ASC"));
+    EXPECT_EQ(Bytes(156, 0xEE), page);
+    discoverAgain();
+    addFault(R"({"match": {"command": "0x27"}, "action": {"truncate": 155}})");
+    EXPECT_FALSE(performOn(*drive, new Operations::SenseDeferredUpdate,
+                           {{"ATTR_NAME_BUFFER_ADDRESS", address}, {"ATTR_NAME_BUFFER_SIZE", "156"}}));
     EXPECT_EQ(Bytes(156, 0xEE), page);
 }
 

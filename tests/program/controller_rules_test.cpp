@@ -204,6 +204,25 @@ TEST_P(ControllerRules, StatusScreenLogsAndJournal) {
 INSTANTIATE_TEST_SUITE_P(Options, ControllerRules, ::testing::ValuesIn(ROWS),
                          [](auto const& row) { return std::string(row.param.name); });
 
+/// A controller that never tells what it is wasn't shown and isn't chosen: a twin's row is no choice for it.
+TEST(Twins, AControllerWithoutARowIsNotFlashedForItsTwin) {
+    PackageRun const package("two-controllers");
+    json machine = json::parse(readText(package.directory() / "machine.json"));
+    machine["devices"][1]["pci"]["subsystem_device"] = TR56;
+    machine["devices"][1]["firmware"] = "6.40";
+    machine["devices"][1]["identify"]["dwEvenMoreControllerFlags"] = 512;  // zoned
+    writeText(package.directory() / "machine.json", machine.dump());
+    for (char const* action : {R"({"truncate": 260})", R"({"command_status": 4})"}) {
+        package.resetMachine();
+        RunResult const run = package.flash(
+            {"-s", "-zx"}, "",
+            {std::string(R"({"match": {"device": "right", "command": "0x11"}, "action": )") + action + "}"});
+        EXPECT_EQ(run.status, 1) << action;
+        EXPECT_EQ(package.firmware("left"), "left 6.40/6.64 restart needed");
+        EXPECT_EQ(package.firmware("right"), "right 6.40/6.40 ok");
+    }
+}
+
 /// With a component file that fits nothing, a tag of the command line decides: a prefix, in either case, of
 /// the key, which is the subsystem's device and vendor.
 TEST(Tags, OfTheCommandLineMakeAControllerApplicable) {

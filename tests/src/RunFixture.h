@@ -45,6 +45,7 @@ class RunTest : public FrontEndTest {
 
     static void forgetRows() {
         discoveredDeviceCount = 0;
+        forgetWithoutRow();
         for (Device_Info& one : deviceInfoCltn) {
             one = Device_Info();
         }

@@ -189,6 +189,7 @@ TEST_F(ControllerState, ConfigurationsThatAreNotRead) {
     };
     static Row const rows[] = {
         {R"({"scsi_status": 2, "sense": [5, 36, 0]})", R"(, "nth": 1)", "NEED_UPDATED_STORAGEMOD_VERSION", 2},
+        {R"({"truncate": 100})", R"(, "nth": 1)", "NEED_UPDATED_STORAGEMOD_VERSION", 2},
         {R"({"command_status": 4})", R"(, "nth": 1)", "NEED_UPDATED_STORAGEMOD_VERSION", 2},
         {R"({"errno": "ETIMEDOUT"})", "", "OK", 1},
         {R"({"scsi_status": 2, "sense": [6, 41, 0]})", "", "OK", 61},

@@ -81,9 +81,13 @@ TEST_F(DamagedReplies, ACutReplyIsNoReply) {
                       attribute(only(), "ATTR_NAME_ENCRYPTION_FW_LOCKED"));
             EXPECT_EQ(isKnown ? ABSENT : "ATTR_VALUE_CONTROLLER_STATE_CONTROLLER_COMMUNICATION_ERROR",
                       attribute(only(), "ATTR_NAME_CONTROLLER_STATE"));
-            if (command == std::string("0x66")) {
-                EXPECT_EQ(ABSENT, attribute(only(), "ATTR_NAME_CONTROLLER_SERIAL_NUMBER"));
-            }
+            bool const hasSubsystem = isKnown && command != std::string("0x66");
+            EXPECT_EQ(hasSubsystem ? "SERIAL-one" : ABSENT,
+                      attribute(only(), "ATTR_NAME_CONTROLLER_SERIAL_NUMBER"));
+            // A stage that isn't read is the last.
+            bool const hasCache = hasSubsystem && (command != std::string("0xC1") || length >= 260);
+            EXPECT_EQ(hasCache ? "0" : ABSENT, attribute(only(), "ATTR_NAME_CACHE_PARITY_READ_ERRORS"));
+            EXPECT_EQ(hasCache, only().hasAttribute("ATTR_NAME_QUEUE_DEPTH"));
         }
     }
 }

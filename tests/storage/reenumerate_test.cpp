@@ -129,6 +129,9 @@ TEST_F(Reenumeration, RenewsTheSideThatItIsAskedFor) {
         EXPECT_EQ(row.boxesAreNew, before.at("SE:18_2").get() != after.at("SE:18_2").get());
         for (auto const& [identifier, device] : after)
             EXPECT_TRUE(device->isValid()) << identifier;
+        // Whoever held a device that was made anew learns that it is gone.
+        EXPECT_EQ(!row.arraysAreNew, before.at("ARR:1")->isValid());
+        EXPECT_EQ(!row.boxesAreNew, before.at("SE:18_2")->isValid());
     }
 }
 
