@@ -3,6 +3,11 @@
 #include "storage/operation_row.h"
 #include "storage/operations/command_access.h"
 #include "storage/operations/discover_controllers.h"
+#include "storage/operations/discover_drive_cage.h"
+#include "storage/operations/discover_expander.h"
+#include "storage/operations/discover_phy.h"
+#include "storage/operations/discover_sep.h"
+#include "storage/operations/discover_storage_enclosure.h"
 #include "storage/operations/read_array_controller_bootable_status.h"
 #include "storage/operations/read_array_controller_info.h"
 #include "storage/operations/write_allowed_controller_discovery.h"
@@ -39,10 +44,11 @@ constexpr Core::OperationRow OPERATIONS[] = {
 
     on<Schema::ArrayController>(OPERATION_DISCOVER_REMOTE_VOLUMES),
     on<Schema::ArrayController>(OPERATION_DISCOVER_ARRAYS),
-    on<Schema::ArrayController>(OPERATION_DISCOVER_EXPANDERS),
+    on<Schema::ArrayController>(OPERATION_DISCOVER_EXPANDERS, creatorOf<Operations::DiscoverExpander>),
     on<Schema::ArrayController>(OPERATION_DISCOVER_PHYSICAL_DRIVES),
-    on<Schema::ArrayController>(OPERATION_DISCOVER_SEPS),
-    on<Schema::ArrayController>(OPERATION_DISCOVER_STORAGE_ENCLOSURES),
+    on<Schema::ArrayController>(OPERATION_DISCOVER_SEPS, creatorOf<Operations::DiscoverSEP>),
+    on<Schema::ArrayController>(OPERATION_DISCOVER_STORAGE_ENCLOSURES,
+                                creatorOf<Operations::DiscoverStorageEnclosure>),
     on<Schema::ArrayController>(OPERATION_DISCOVER_TAPE_DRIVES),
     on<Schema::ArrayController>(OPERATION_DISCOVER_PAIRED_CONTROLLERS),
     on<Schema::ArrayController>(OPERATION_READ_ARRAY_CONTROLLER_INFO,
@@ -66,7 +72,7 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::DriveCage>(OPERATION_DISCOVER_TAPE_DRIVES),
     on<Schema::DriveCage>(OPERATION_WRITE_DEVICE_BLINK),
 
-    on<Schema::Expander>(OPERATION_DISCOVER_PHYS),
+    on<Schema::Expander>(OPERATION_DISCOVER_PHYS, creatorOf<Operations::DiscoverPhy>),
 
     on<Schema::LogicalDrive>(OPERATION_DISCOVER_MIRROR_GROUPS),
     on<Schema::LogicalDrive>(OPERATION_DISCOVER_PARITY_GROUPS),
@@ -84,7 +90,7 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::PhysicalDrive>(OPERATION_READ_EXTENDED_INFO),
     on<Schema::PhysicalDrive>(OPERATION_READ_SCSI_COMMAND, creatorOf<Operations::ReadSCSICommand>),
     on<Schema::PhysicalDrive>(OPERATION_WRITE_SCSI_COMMAND, creatorOf<Operations::WriteSCSICommand>),
-    on<Schema::PhysicalDrive>(OPERATION_DISCOVER_PHYS),
+    on<Schema::PhysicalDrive>(OPERATION_DISCOVER_PHYS, creatorOf<Operations::DiscoverPhy>),
     on<Schema::PhysicalDrive>(OPERATION_ASSOCIATION_PHYSICAL_DRIVE_PHYSICAL_DRIVE),
     on<Schema::PhysicalDrive>(OPERATION_WRITE_DEVICE_BLINK),
     on<Schema::PhysicalDrive>(OPERATION_SEND_ATA_COMMAND, creatorOf<Operations::SendATACommand>),
@@ -94,17 +100,18 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::NonVaultlinePhysicalDrive>(OPERATION_WRITE_SCSI_COMMAND,
                                           creatorOf<Operations::WriteSCSICommand>),
 
-    on<Schema::SEP>(OPERATION_DISCOVER_PHYS),
+    on<Schema::SEP>(OPERATION_DISCOVER_PHYS, creatorOf<Operations::DiscoverPhy>),
     on<Schema::SEP>(OPERATION_READ_SCSI_COMMAND, creatorOf<Operations::ReadSCSICommand>),
     on<Schema::SEP>(OPERATION_WRITE_SCSI_COMMAND, creatorOf<Operations::WriteSCSICommand>),
 
-    on<Schema::StorageEnclosure>(OPERATION_DISCOVER_DRIVE_CAGES),
-    on<Schema::StorageEnclosure>(OPERATION_DISCOVER_EXPANDERS),
-    on<Schema::StorageEnclosure>(OPERATION_DISCOVER_SEPS),
+    on<Schema::StorageEnclosure>(OPERATION_DISCOVER_DRIVE_CAGES, creatorOf<Operations::DiscoverDriveCage>),
+    on<Schema::StorageEnclosure>(OPERATION_DISCOVER_EXPANDERS, creatorOf<Operations::DiscoverExpander>),
+    on<Schema::StorageEnclosure>(OPERATION_DISCOVER_SEPS, creatorOf<Operations::DiscoverSEP>),
     on<Schema::StorageEnclosure>(OPERATION_DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES),
     on<Schema::StorageEnclosure>(OPERATION_WRITE_DEVICE_BLINK),
 
-    on<Schema::HostBusAdapter>(OPERATION_DISCOVER_STORAGE_ENCLOSURES),
+    on<Schema::HostBusAdapter>(OPERATION_DISCOVER_STORAGE_ENCLOSURES,
+                               creatorOf<Operations::DiscoverStorageEnclosure>),
     on<Schema::HostBusAdapter>(OPERATION_DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES),
     on<Schema::HostBusAdapter>(OPERATION_DISCOVER_STORAGE_VOLUMES),
 

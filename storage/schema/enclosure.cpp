@@ -49,7 +49,12 @@ DriveCage::DriveCage(std::uint8_t bus, std::uint8_t target, Common::string const
 }
 
 Common::string DriveCage::toStringImpl() const {
-    return "DC:" + decimalText(m_location.bus) + "_" + decimalText(m_location.target) + "_" + m_port;
+    Common::string identifier =
+        "DC:" + decimalText(m_location.bus) + "_" + decimalText(m_location.target) + "_" + m_port;
+    if (hasAttribute(Cage::ATTR_NAME_DUPLEX_LOCATION)) {
+        identifier += "_" + getValueFor(Cage::ATTR_NAME_DUPLEX_LOCATION);
+    }
+    return identifier;
 }
 
 }  // namespace Schema

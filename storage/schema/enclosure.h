@@ -44,7 +44,8 @@ class StorageEnclosure : public Node<StorageEnclosure, Core::DeviceComposite, 9,
 };
 
 /// The drive bays of an enclosure, or of one half of a duplex enclosure. `port` is the controller's port in
-/// two characters.
+/// two characters. The halves of one box are told apart by ATTR_NAME_DUPLEX_LOCATION: publish it before
+/// offering the device to a parent.
 class DriveCage : public Node<DriveCage, Core::DeviceComposite, 9, ForwardDevice> {
   public:
     DriveCage(std::uint8_t bus, std::uint8_t target, Common::string const& port,

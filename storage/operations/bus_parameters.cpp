@@ -1,0 +1,109 @@
+#include "storage/operations/bus_parameters.h"
+
+#include <algorithm>
+#include <bitset>
+#include <iterator>
+
+#include "common/debug_logger.h"
+#include "storage/operations/publish.h"
+#include "storage/vocabulary/array_controller.h"
+
+namespace Operations {
+namespace {
+
+using Parameters = Records::SENSE_BUS_PARAMETERS;
+
+constexpr char const* VENDORS[] = {"KESTAL  ", "VQ      "};
+constexpr char SERVER_BRAND[] = "VAULTSRV";
+constexpr unsigned SERVER_BRAND_SIZE = 8;
+/// The backplane on which the family's controllers were evaluated; it has no bays to tell of.
+constexpr char EVALUATION_BACKPLANE[] = "510027 EvBd 255 ";
+
+constexpr unsigned STATUS_BITS = 8;
+
+bool bit(unsigned char const* map, unsigned number) {
+    return (map[number / 8] >> (number % 8) & 1) != 0;
+}
+
+unsigned char const* portStatus(Records::IDENTIFY_CONTROLLER const& identify, std::uint8_t bus) {
+    return bus < INTERNAL_BUSES ? &identify.bInternalPortStatus[bus]
+                                : &identify.bExternalPortStatus[bus - INTERNAL_BUSES];
+}
+
+unsigned countWithin(unsigned told, std::size_t room, char const* what) {
+    if (told <= room) return told;
+    Common::DebugLogger::LogCommand("A box tells of %u %s, its record has room for %u; the rest is refused",
+                                    told, what, static_cast<unsigned>(room));
+    return static_cast<unsigned>(room);
+}
+
+}  // namespace
+
+std::uint8_t boxIndexOf(std::uint8_t bus, std::uint8_t target) {
+    return static_cast<std::uint8_t>((bus + 1) * 16 | target);
+}
+
+Schema::CageLocation placeOfBoxIndex(std::uint8_t boxIndex) {
+    // Bus 15 wraps to 0 in eight bits.
+    return {static_cast<std::uint8_t>(((boxIndex >> 4) - 1) & 0x0F),
+            static_cast<std::uint8_t>(boxIndex & 0x0F)};
+}
+
+std::vector<Box> walkBoxes(BMICDevice& controller) {
+    std::vector<Box> boxes;
+    SenseControllerCommand<IdentifyControllerTrait> identify;
+    if (!identify(controller)) return boxes;
+    for (std::uint8_t bus = 0; bus < BUSES; ++bus) {
+        std::bitset<BOXES_PER_BUS> marked(*portStatus(identify.record(), bus));
+        for (std::uint8_t target = 0; target < BOXES_PER_BUS; ++target) {
+            if (!marked[target]) continue;
+            SenseBox sense(bus, target);
+            if (!sense(controller)) continue;
+            boxes.push_back({{bus, target}, sense.recordCopy()});
+            for (unsigned behind = STATUS_BITS; behind < BOXES_PER_BUS; ++behind) {
+                if (bit(sense.record().pbBigBoxMap, behind)) marked.set(behind);
+            }
+        }
+    }
+    return boxes;
+}
+
+bool isEnclosure(Box const& box, Common::string const& family) {
+    Parameters const& record = *box.parameters;
+    Common::string const vendor = wholeText(record.boxInquiryData.sVendorID);
+    Common::string const product = wholeText(record.boxInquiryData.sProductID);
+    if (record.bInquiryValid != 0) {
+        bool const isOurs = std::any_of(std::begin(VENDORS), std::end(VENDORS),
+                                        [&](char const* known) { return vendor == known; });
+        if (isOurs && product.substr(0, SERVER_BRAND_SIZE) == SERVER_BRAND) return true;
+        namespace Names = Interface::StorageMod::ArrayController;
+        if (family == Names::ATTR_VALUE_CONTROLLER_FIRMWARE_FAMILY_QBX_FIR &&
+            product == EVALUATION_BACKPLANE) {
+            return true;
+        }
+    }
+    return record.bBayCount != 0;
+}
+
+std::vector<ListedSep> sepsOf(Parameters const& parameters) {
+    std::vector<ListedSep> seps;
+    unsigned const count =
+        countWithin(parameters.bSEPCount, std::size(parameters.bSEPDeviceTypes), "processors");
+    for (unsigned i = 0; i < count; ++i) {
+        unsigned short const number = fromWire<std::uint16_t>(parameters.wSEPDeviceNumbers[i]);
+        seps.push_back({number, parameters.bSEPDeviceTypes[i]});
+    }
+    return seps;
+}
+
+std::vector<unsigned short> expandersOf(Parameters const& parameters) {
+    std::vector<unsigned short> expanders;
+    unsigned const count =
+        countWithin(parameters.bExpanderCount, sizeof parameters.wExpanderDeviceNumbers / 2, "expanders");
+    for (unsigned i = 0; i < count; ++i) {
+        expanders.push_back(fromWire<std::uint16_t>(parameters.wExpanderDeviceNumbers[i]));
+    }
+    return expanders;
+}
+
+}  // namespace Operations

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "command/controller_command.h"
+#include "storage/schema/enclosure.h"
+
+namespace Operations {
+
+/// Asks a controller about a box: command block byte 2 is the bus, byte 3 the box's target number on it.
+class SenseBox : public SenseControllerCommand<SenseBusParametersTrait> {
+  public:
+    SenseBox(std::uint8_t bus, std::uint8_t box) {
+        SetDetails(static_cast<std::uint32_t>(bus) << 24 | static_cast<std::uint32_t>(box) << 16);
+    }
+    explicit SenseBox(Schema::CageLocation const& place) : SenseBox(place.bus, place.target) {}
+};
+
+/// Buses of a controller: 0 to 7 are its internal ports, 8 to 15 its external ones.
+inline constexpr std::uint8_t INTERNAL_BUSES = 8;
+inline constexpr std::uint8_t BUSES = 16;
+/// Places on one bus: the box index has four bits for them.
+inline constexpr unsigned BOXES_PER_BUS = 16;
+
+/// A place that answered.
+struct Box {
+    Schema::CageLocation place;
+    Common::copy_ptr<Records::SENSE_BUS_PARAMETERS> parameters;
+};
+
+/// ((bus + 1) * 16) | target in eight bits, and back.
+std::uint8_t boxIndexOf(std::uint8_t bus, std::uint8_t target);
+Schema::CageLocation placeOfBoxIndex(std::uint8_t boxIndex);
+
+/// Every place that answers, by bus and target: those that the identify reply's port status marks, a byte for
+/// each bus and a bit for each target up to 7, and those behind them that a box's own map adds to its bus. A
+/// place that doesn't answer is passed over.
+std::vector<Box> walkBoxes(BMICDevice& controller);
+
+/// Whether an enclosure is at a place. `family` is the controller's ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY.
+/// Whatever has bays is one: every bus that the walk reaches is a bus of boxes.
+bool isEnclosure(Box const& box, Common::string const& family);
+
+// The lists of a record, cut where the record ends: counts beyond that are refused with a line in the log.
+struct ListedSep {
+    unsigned short number;
+    unsigned char type;
+};
+std::vector<ListedSep> sepsOf(Records::SENSE_BUS_PARAMETERS const& parameters);
+std::vector<unsigned short> expandersOf(Records::SENSE_BUS_PARAMETERS const& parameters);
+
+/// A text member as it came, blanks included, up to the first zero.
+template <typename Byte, std::size_t Size>
+Common::string wholeText(Byte const (&member)[Size]) {
+    std::size_t length = 0;
+    while (length < Size && member[length] != 0)
+        ++length;
+    return Common::string(reinterpret_cast<char const*>(member), 0, static_cast<unsigned>(length));
+}
+
+}  // namespace Operations

@@ -1,0 +1,79 @@
+#include "storage/operations/discover_drive_cage.h"
+
+#include <cstddef>
+
+#include "storage/operations/bus_parameters.h"
+#include "storage/operations/publish.h"
+#include "storage/vocabulary/drive_cage.h"
+
+namespace Operations {
+namespace {
+
+namespace Names = Interface::StorageMod::DriveCage;
+using Parameters = Records::SENSE_BUS_PARAMETERS;
+
+/// Of a product text, the character that tells what part of a duplex box it is.
+constexpr unsigned DUPLEX_MARK = 15;
+
+Schema::PhysicalDriveMap installedDrives(SenseBox const& sense) {
+    Parameters const& record = sense.record();
+    Schema::PhysicalDriveMap map;
+    map.InitializeDriveMap(sense.buffer(), offsetof(Parameters, pbBigInstalledDriveMap),
+                           fromWire<std::uint16_t>(record.wOffsetToExtendedInstalledDriveMap),
+                           fromWire<std::uint16_t>(record.wMaximumPhysicalDevicesSupported));
+    return map;
+}
+
+void offerCage(Schema::StorageEnclosure& enclosure, Schema::CageLocation const& place,
+               Parameters const& record, Schema::PhysicalDriveMap const& drives, char half) {
+    Common::shared_ptr<Core::Device> const cage(
+        new Schema::DriveCage(place.bus, place.target, memberText(record.sPhysicalPort), drives));
+    if (record.bInquiryValid != 0) {
+        publish(*cage, Names::ATTR_NAME_PRODUCT_ID, memberText(record.boxInquiryData.sProductID));
+        publish(*cage, Names::ATTR_NAME_VENDOR_ID, memberText(record.boxInquiryData.sVendorID));
+        publish(*cage, Names::ATTR_NAME_FIRMWARE_REVISION,
+                memberText(record.boxInquiryData.sProductRevision));
+    }
+    publish(*cage, Names::ATTR_NAME_DRIVE_BAYS, decimalText(record.bBayCount));
+    publish(*cage, Names::ATTR_NAME_STATUS, Names::ATTR_VALUE_STATUS_OK);
+    if (half != 0) {
+        publish(
+            *cage, Names::ATTR_NAME_DUPLEX_LOCATION,
+            half == 'T' ? Names::ATTR_VALUE_DUPLEX_LOCATION_TOP : Names::ATTR_VALUE_DUPLEX_LOCATION_BOTTOM);
+    }
+    enclosure.receive(cage);
+}
+
+/// The drives of a half, in the order of their numbers: the record tells no bay of any drive.
+Schema::PhysicalDriveMap halfOf(Schema::PhysicalDriveMap const& drives, char half) {
+    Schema::PhysicalDriveMap map(drives.size());
+    unsigned const top = (drives.count() + 1) / 2;
+    unsigned place = 0;
+    for (unsigned short const number : drives.numbers()) {
+        if ((place++ < top) == (half == 'T')) map.set(number);
+    }
+    return map;
+}
+
+}  // namespace
+
+Core::OperationReturn DiscoverDriveCage::visit(Schema::StorageEnclosure& enclosure) {
+    for (Schema::CageLocation const& place : enclosure.driveCageLocationList()) {
+        SenseBox sense(place);
+        if (!sense(enclosure)) continue;
+        Parameters const& record = sense.record();
+        Common::string const product =
+            record.bInquiryValid != 0 ? wholeText(record.boxInquiryData.sProductID) : Common::string();
+        char const mark = product.size() > DUPLEX_MARK ? product[DUPLEX_MARK] : '\0';
+        Schema::PhysicalDriveMap const drives = installedDrives(sense);
+        if (mark == 'D') {
+            for (char const half : {'T', 'B'})
+                offerCage(enclosure, place, record, halfOf(drives, half), half);
+        } else {
+            offerCage(enclosure, place, record, drives, mark == 'T' || mark == 'B' ? mark : '\0');
+        }
+    }
+    return Core::OperationReturn();
+}
+
+}  // namespace Operations

@@ -1,0 +1,90 @@
+#include "storage/operations/discover_expander.h"
+
+#include <algorithm>
+
+#include "common/debug_logger.h"
+#include "core/tolkmod.h"
+#include "storage/operations/bus_parameters.h"
+#include "storage/operations/physical_device_iterator.h"
+#include "storage/operations/publish.h"
+#include "storage/operations/publish_sas_device.h"
+#include "storage/operations/storage_system_finder.h"
+#include "storage/schema/array_controller.h"
+#include "storage/schema/sas_devices.h"
+#include "storage/vocabulary/array_controller.h"
+#include "storage/vocabulary/expander.h"
+#include "storage/vocabulary/storage_enclosure.h"
+
+namespace Operations {
+namespace {
+
+namespace Names = Interface::StorageMod::Expander;
+using DevicePointer = Common::shared_ptr<Core::Device>;
+
+constexpr unsigned char TYPE = PhysicalDeviceIterator::EXPANDER_TYPE;
+
+void discover(Core::Device& parent, DevicePointer const& controller, BMICDevice& commands,
+              Common::string const& handle, unsigned short number) {
+    DevicePointer const expander(new Schema::Expander(handle));
+    publish(*expander, Names::ATTR_NAME_DEVICE_NUMBER, decimalText(number));
+    publish(*expander, Names::ATTR_NAME_STATUS, Names::ATTR_VALUE_STATUS_OK);
+    publishSpecialInquiry(*expander, commands, number);
+    publishIdentity(*expander, commands, number, isMultiPathSupported(controller));
+    if (!expander->hasAttribute(Names::ATTR_NAME_WWID)) {
+        publish(*expander, Names::ATTR_NAME_WWID, PhysicalDeviceIterator::getSasAddress(handle));
+    }
+    parent.receive(expander);
+}
+
+}  // namespace
+
+Core::OperationReturn DiscoverExpander::visit(Schema::StorageEnclosure& enclosure) {
+    Common::string const boxIndex =
+        enclosure.getValueFor(Interface::StorageMod::StorageEnclosure::ATTR_NAME_BOX_INDEX);
+    DevicePointer const system = storageSystemFinder(enclosure.getDevicePtr());
+    if (boxIndex.empty() || !system) {
+        return Core::OperationReturn(Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE);
+    }
+    auto const* const controller = dynamic_cast<Schema::ArrayController const*>(system.get());
+    if (controller == nullptr) return Core::OperationReturn();
+    SenseBox sense(
+        placeOfBoxIndex(static_cast<std::uint8_t>(Conversion::toNumber<unsigned short>(boxIndex))));
+    if (!sense(enclosure)) return Core::OperationReturn();
+    std::vector<unsigned short> const numbers = expandersOf(sense.record());
+    if (numbers.empty()) return Core::OperationReturn();
+    PhysicalDeviceIterator const devices(*controller);
+    for (unsigned short const number : numbers) {
+        auto const handle = devices.find(number);
+        if (handle != devices.end() && PhysicalDeviceIterator::getDeviceType(*handle) == TYPE) {
+            discover(enclosure, system, enclosure, *handle, number);
+        } else {
+            Common::DebugLogger::LogCommand(
+                "Expander %u of box index %s refused: the list of physical "
+                "devices has no expander of that number",
+                static_cast<unsigned>(number), boxIndex.c_str());
+        }
+    }
+    return Core::OperationReturn();
+}
+
+Core::OperationReturn DiscoverExpander::visit(Schema::ArrayController& controller) {
+    PhysicalDeviceIterator const devices(controller);
+    if (devices.size(TYPE) == 0) return Core::OperationReturn();
+    Common::string const family =
+        controller.getValueFor(Interface::StorageMod::ArrayController::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY);
+    std::vector<unsigned short> inEnclosures;
+    for (Box const& box : walkBoxes(controller)) {
+        if (!isEnclosure(box, family)) continue;
+        for (unsigned short const number : expandersOf(*box.parameters))
+            inEnclosures.push_back(number);
+    }
+    for (auto handle = devices.begin(TYPE); handle != devices.end(TYPE); ++handle) {
+        unsigned short const number = Core::SysMod::getDeviceIndex(*handle);
+        if (std::find(inEnclosures.begin(), inEnclosures.end(), number) == inEnclosures.end()) {
+            discover(controller, controller.getDevicePtr(), controller, *handle, number);
+        }
+    }
+    return Core::OperationReturn();
+}
+
+}  // namespace Operations

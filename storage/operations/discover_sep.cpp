@@ -1,0 +1,161 @@
+#include "storage/operations/discover_sep.h"
+
+#include <algorithm>
+
+#include "command/scsi/inquiry_commands.h"
+#include "common/debug_logger.h"
+#include "core/tolkmod.h"
+#include "storage/operations/csmi_enclosures.h"
+#include "storage/operations/physical_device_iterator.h"
+#include "storage/operations/publish.h"
+#include "storage/operations/publish_sas_device.h"
+#include "storage/operations/sep_models.h"
+#include "storage/operations/sep_utils.h"
+#include "storage/operations/storage_system_finder.h"
+#include "storage/operations/subcomponent_versions.h"
+#include "storage/schema/adapters.h"
+#include "storage/schema/array_controller.h"
+#include "storage/vocabulary/array_controller.h"
+#include "storage/vocabulary/sep.h"
+#include "storage/vocabulary/storage_enclosure.h"
+
+namespace Operations {
+namespace {
+
+namespace Names = Interface::StorageMod::SEP;
+using DevicePointer = Common::shared_ptr<Core::Device>;
+
+constexpr char GENERAL_NAME[] = "SEP";
+
+/// What stands for the type of a processor that no box lists.
+constexpr unsigned char NO_TYPE = 0;
+
+/// The type that the box tells comes first; the product decides where it tells none.
+void publishKind(DevicePointer const& sep, unsigned char typeCode) {
+    SepModelRow const* const model = findSepModel(SepUtils::getProductId(sep));
+    Common::string type = Schema::SEP::sepType(typeCode);
+    if (type == Names::ATTR_VALUE_SEP_TYPE_UNKNOWN && model != nullptr) type = model->type;
+    publish(*sep, Names::ATTR_NAME_SEP_TYPE, type);
+    publish(*sep, Names::ATTR_NAME_MARKETING_NAME, model != nullptr ? model->marketingName : GENERAL_NAME);
+}
+
+void publishSepInfo(DevicePointer const& controller, BMICDevice& commands, DevicePointer const& sep,
+                    Schema::SEP& device, unsigned char typeCode) {
+    publishSpecialInquiry(*sep, commands, device.bmicIndex());
+    publishIdentity(*sep, commands, device.bmicIndex(), isMultiPathSupported(controller));
+    if (!sep->hasAttribute(Names::ATTR_NAME_WWID)) {
+        publish(*sep, Names::ATTR_NAME_WWID, PhysicalDeviceIterator::getSasAddress(device.handle()));
+    }
+    publishKind(sep, typeCode);
+}
+
+/// `parent` is the enclosure or the controller itself.
+void discover(Core::Device& parent, DevicePointer const& controller, BMICDevice& commands,
+              Common::string const& handle, unsigned number, unsigned char typeCode) {
+    Schema::SEP* const device = new Schema::SEP(handle);
+    DevicePointer const sep(device);
+    publish(*sep, Names::ATTR_NAME_DEVICE_NUMBER, decimalText(number));
+    publish(*sep, Names::ATTR_NAME_STATUS, Names::ATTR_VALUE_STATUS_OK);
+    publishSepInfo(controller, commands, sep, *device, typeCode);
+    publishSubcomponentVersionInfo(sep, *device);
+    parent.receive(sep);
+}
+
+void discoverBehindController(Schema::StorageEnclosure& enclosure, DevicePointer const& controller,
+                              ConcreteSCSIDevice const& adapter, unsigned char boxIndex) {
+    SenseBox sense(placeOfBoxIndex(boxIndex));
+    if (!sense(enclosure)) return;
+    std::vector<ListedSep> const seps = sepsOf(sense.record());
+    if (seps.empty()) return;
+    PhysicalDeviceIterator const devices(adapter);
+    for (ListedSep const& sep : seps) {
+        auto const handle = devices.find(sep.number);
+        // A processor must never get the adapter's own handle: its firmware would go there.
+        if (handle == devices.end() ||
+            PhysicalDeviceIterator::getDeviceType(*handle) != PhysicalDeviceIterator::SEP_TYPE) {
+            Common::DebugLogger::LogCommand(
+                "Processor %u of box index %u refused: the list of physical devices has no processor of "
+                "that number",
+                static_cast<unsigned>(sep.number), static_cast<unsigned>(boxIndex));
+            continue;
+        }
+        discover(enclosure, controller, enclosure, *handle, sep.number, sep.type);
+    }
+}
+
+/// All that is known of these comes from themselves and from the way to them.
+void discoverBehindAdapter(Schema::StorageEnclosure& enclosure, ConcreteSCSIDevice const& adapter) {
+    namespace Box = Interface::StorageMod::StorageEnclosure;
+    Common::string const number = enclosure.getValueFor(Box::ATTR_NAME_BOX);
+    for (CsmiEnclosure const& box : csmiEnclosures(adapter)) {
+        if (decimalText(box.number) != number) continue;
+        for (Common::string const& handle : box.seps) {
+            Schema::SEP* const device = new Schema::SEP(handle);
+            DevicePointer const sep(device);
+            publish(*sep, Names::ATTR_NAME_STATUS, Names::ATTR_VALUE_STATUS_OK);
+            publish(*sep, Names::ATTR_NAME_BOX, number);
+            publish(*sep, Names::ATTR_NAME_PORT, Names::ATTR_VALUE_PORT_UNKNOWN);
+            publish(*sep, Names::ATTR_NAME_WWID, PhysicalDeviceIterator::getSasAddress(handle));
+            ReportStandardInquiry inquiry;
+            if (inquiry(*device)) {
+                publish(*sep, Names::ATTR_NAME_VENDOR_ID, inquiry.vendorId());
+                publish(*sep, Names::ATTR_NAME_PRODUCT_ID, inquiry.productId());
+                publish(*sep, Names::ATTR_NAME_FIRMWARE_REVISION, inquiry.productRevision());
+            }
+            publishKind(sep, NO_TYPE);
+            publishSubcomponentVersionInfo(sep, *device);
+            enclosure.receive(sep);
+        }
+    }
+}
+
+}  // namespace
+
+Core::OperationReturn DiscoverSEP::visit(Schema::StorageEnclosure& enclosure) {
+    namespace Status = Interface::TOLKMod::OperationReturn;
+    Common::string const boxIndex =
+        enclosure.getValueFor(Interface::StorageMod::StorageEnclosure::ATTR_NAME_BOX_INDEX);
+    DevicePointer const system = storageSystemFinder(enclosure.getDevicePtr());
+    auto const* const adapter = dynamic_cast<ConcreteSCSIDevice const*>(system.get());
+    if (boxIndex.empty() || adapter == nullptr) {
+        return Core::OperationReturn(Status::ATTR_VALUE_STATUS_FAILURE);
+    }
+    if (dynamic_cast<Schema::HostBusAdapter const*>(system.get()) != nullptr) {
+        discoverBehindAdapter(enclosure, *adapter);
+    } else {
+        discoverBehindController(enclosure, system, *adapter,
+                                 static_cast<unsigned char>(Conversion::toNumber<unsigned short>(boxIndex)));
+    }
+    return Core::OperationReturn();
+}
+
+Core::OperationReturn DiscoverSEP::visit(Schema::ArrayController& controller) {
+    constexpr unsigned char TYPE = PhysicalDeviceIterator::SEP_TYPE;
+    PhysicalDeviceIterator const devices(controller);
+    if (devices.size(TYPE) == 0) return Core::OperationReturn();
+    Common::string const family =
+        controller.getValueFor(Interface::StorageMod::ArrayController::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY);
+    std::vector<unsigned short> inEnclosures;
+    std::vector<ListedSep> outside;
+    for (Box const& box : walkBoxes(controller)) {
+        bool const isBox = isEnclosure(box, family);
+        for (ListedSep const& sep : sepsOf(*box.parameters)) {
+            if (isBox) {
+                inEnclosures.push_back(sep.number);
+            } else {
+                outside.push_back(sep);
+            }
+        }
+    }
+    for (auto handle = devices.begin(TYPE); handle != devices.end(TYPE); ++handle) {
+        unsigned short const number = Core::SysMod::getDeviceIndex(*handle);
+        if (std::find(inEnclosures.begin(), inEnclosures.end(), number) != inEnclosures.end()) continue;
+        auto const listed = std::find_if(outside.begin(), outside.end(),
+                                         [number](ListedSep const& sep) { return sep.number == number; });
+        discover(controller, controller.getDevicePtr(), controller, *handle, number,
+                 listed == outside.end() ? NO_TYPE : listed->type);
+    }
+    return Core::OperationReturn();
+}
+
+}  // namespace Operations

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "command/devices.h"
+#include "core/device.h"
+
+namespace Operations {
+
+/// What a controller knows of a device that isn't a disk, an enclosure processor or an expander; their
+/// attributes have the same names. A command that fails leaves its attributes out.
+///
+/// From the inquiry data that the controller passes on: vendor, product and revision.
+void publishSpecialInquiry(Core::Device& device, BMICDevice& controller, unsigned short bmicIndex);
+/// From its identify record: WWID, port and box, and the active path behind a controller that knows of
+/// several. Without the record the port isn't known.
+void publishIdentity(Core::Device& device, BMICDevice& controller, unsigned short bmicIndex,
+                     bool isMultiPathSupported);
+/// Whether the controller above a device knows of several paths.
+bool isMultiPathSupported(Common::shared_ptr<Core::Device> const& controller);
+
+}  // namespace Operations
