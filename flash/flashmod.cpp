@@ -5,6 +5,7 @@
 #include "flash/sense_deferred_update.h"
 #include "flash/vocabulary.h"
 #include "flash/write_background_activity.h"
+#include "flash/write_flash_sep_firmware.h"
 #include "storage/operation_row.h"
 
 namespace Interface::FlashMod {
@@ -19,7 +20,8 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::ArrayController>(OPERATION_WRITE_FLASH_NVRAM),
     on<Schema::ArrayController>(OPERATION_READ_NVRAM),
     on<Schema::ArrayController>(OPERATION_WRITE_FLASH_FBWC),
-    on<Schema::ArrayController>(OPERATION_WRITE_FLASH_SEP_FIRMWARE),
+    on<Schema::ArrayController>(OPERATION_WRITE_FLASH_SEP_FIRMWARE,
+                                creatorOf<Operations::WriteFlashSEPFirmware>),
     on<Schema::ArrayController>(OPERATION_WRITE_TOGGLE_ACTIVE_ROM_IMAGE,
                                 creatorOf<Operations::WriteToggleActiveRomImage>),
     on<Schema::ArrayController>(OPERATION_WRITE_SOFT_RESET_ARRAY_CONTROLLER,
@@ -27,10 +29,11 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::ArrayController>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE,
                                 creatorOf<Operations::WriteBackgroundActivity>),
 
-    on<Schema::HostBusAdapter>(OPERATION_WRITE_FLASH_SEP_FIRMWARE),
+    on<Schema::HostBusAdapter>(OPERATION_WRITE_FLASH_SEP_FIRMWARE,
+                               creatorOf<Operations::WriteFlashSEPFirmware>),
 
-    on<Schema::SEP>(OPERATION_WRITE_FLASH_SEP_FIRMWARE),
-    on<Schema::SEP>(OPERATION_WRITE_RESET_SEP),
+    on<Schema::SEP>(OPERATION_WRITE_FLASH_SEP_FIRMWARE, creatorOf<Operations::WriteFlashSEPFirmware>),
+    on<Schema::SEP>(OPERATION_WRITE_RESET_SEP, creatorOf<Operations::WriteResetSEP>),
     on<Schema::SEP>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE,
                     creatorOf<Operations::WriteBackgroundActivity>),
 
