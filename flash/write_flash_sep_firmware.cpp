@@ -24,7 +24,7 @@ using Common::DebugLogger;
 using Core::OperationReturn;
 using DevicePointer = Common::shared_ptr<Core::Device>;
 
-/// For every model, whatever its row says: a single processor is waited for by those who can't know it.
+/// Milliseconds. The same for every model, whatever its row says: this form takes no other wait.
 constexpr unsigned SINGLE_RESET_WAIT = 135000;
 
 bool hasType(DevicePointer const& device, char const* type) {
