@@ -26,6 +26,11 @@ unsigned unitOf(Command const& command) {
     return command.block[1] | command.block[9] << 8;
 }
 
+/// Index of a physical device: low byte in byte 2, high byte in byte 9.
+unsigned physicalIndexOf(Command const& command) {
+    return command.block[2] | command.block[9] << 8;
+}
+
 std::string hexByte(unsigned value) {
     char text[8];
     std::snprintf(text, sizeof text, "0x%02X", value);
@@ -106,19 +111,30 @@ Reply ArrayController::execute(Command const& command) {
     bool const elsewhere =
         std::any_of(command.address.begin(), command.address.end(), [](auto byte) { return byte != 0; });
     if (elsewhere) {
-        ScsiTarget* const target = command.message ? nullptr : m_units.find(command.address);
-        if (target != nullptr) return target->execute(command);
         Reply reply;
+        if (ScsiTarget* const target = targetOf(command)) {
+            reply = target->execute(command);
+            if (!m_paused && command.block[0] == 0x3B)
+                reply.notes.push_back("WRITE BUFFER while background activity isn't paused");
+            return reply;
+        }
         reply.commandStatus = COMMAND_INVALID;
         reply.notes.push_back("no device at the address " + toHex(command.address));
         return reply;
     }
     if (command.message) {
         Reply reply;
-        if (command.block[0] != MESSAGE_SCAN) reply.commandStatus = COMMAND_INVALID;
+        if (command.block[0] == MESSAGE_SCAN)
+            scan(command.now);
+        else
+            reply.commandStatus = COMMAND_INVALID;
         return reply;
     }
     return isManagement(command) ? manage(command) : scsi(command);
+}
+
+ScsiTarget* ArrayController::targetOf(Command const& command) const {
+    return command.message ? nullptr : m_units.find(command.address);
 }
 
 Reply ArrayController::manage(Command const& command) {
@@ -158,7 +174,7 @@ ControllerRecords::FirmwareVersions ArrayController::versions() const {
 }
 
 Reply ArrayController::identifyController(Command const&) {
-    return answer(m_records.identifyController(versions()));
+    return answer(m_records.identifyController(versions(), m_units.boxes()));
 }
 Reply ArrayController::senseSubsystem(Command const&) {
     return answer(m_records.subsystem());
@@ -201,14 +217,29 @@ Reply ArrayController::senseEncryption(Command const& command) {
 }
 
 Reply ArrayController::senseDeferredUpdate(Command const& command) {
-    // Byte 2: low byte of the drive's index; byte 9: its high byte.
-    unsigned const index = command.block[2] | command.block[9] << 8;
+    unsigned const index = physicalIndexOf(command);
     if (!m_units.hasIndex(index)) return checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
     // Contents are the drive firmware's own: here each byte is its place and the drive's index.
     Bytes page(156);
     for (std::size_t i = 0; i < page.size(); ++i)
         page[i] = static_cast<std::uint8_t>(i + index);
     return answer(std::move(page));
+}
+
+Reply ArrayController::senseBusParameters(Command const& command) {
+    // Byte 2: the bus; byte 3: the box's target number on it.
+    auto record = m_units.boxes().busParameters(command.block[2], command.block[3]);
+    return record ? answer(std::move(*record)) : checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
+}
+
+Reply ArrayController::identifyPhysicalDevice(Command const& command) {
+    auto record = m_units.identify(physicalIndexOf(command), command.now);
+    return record ? answer(std::move(*record)) : checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
+}
+
+Reply ArrayController::specialInquiry(Command const& command) {
+    auto record = m_units.specialInquiry(physicalIndexOf(command), command.now);
+    return record ? answer(std::move(*record)) : checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
 }
 
 void ArrayController::powerCycle(std::vector<std::string>& events) {

@@ -38,6 +38,8 @@ class ArrayController : public Device {
     void loadState(nlohmann::json const& state) override;
     void summarise(DeviceSummary& row) override;
     Bytes romImage(Rom rom) override { return m_firmware.contents(rom); }
+    std::vector<ScsiTarget*> targets() const override { return m_units.targets(); }
+    ScsiTarget* targetOf(Command const& command) const override;
 
     /// A management command: its code, name, direction, the virtual time it takes and what carries it out
     /// (null: known by name, not supported).
@@ -63,6 +65,9 @@ class ArrayController : public Device {
     Reply boardPower(Command const&);
     Reply powerMode(Command const&);
     Reply senseDeferredUpdate(Command const& command);
+    Reply senseBusParameters(Command const& command);
+    Reply identifyPhysicalDevice(Command const& command);
+    Reply specialInquiry(Command const& command);
     Reply pause(Command const& command);
     Reply resume(Command const& command);
     Reply freeCollected(Command const&);

@@ -26,7 +26,7 @@ constexpr Controller::Management COMMANDS[] = {
     {0x10, "IDENTIFY LOGICAL DRIVE", Direction::In, SHORT, &Controller::identifyLogicalDrive},
     {0x11, "IDENTIFY CONTROLLER", Direction::In, SHORT, &Controller::identifyController},
     {0x12, "SENSE LOGICAL DRIVE STATUS", Direction::In, SHORT, nullptr},
-    {0x15, "IDENTIFY PHYSICAL DRIVE", Direction::In, SHORT, nullptr},
+    {0x15, "IDENTIFY PHYSICAL DRIVE", Direction::In, SHORT, &Controller::identifyPhysicalDevice},
     {0x16, "SET MAINTENANCE", Direction::Out, SHORT, nullptr},
     {0x17, "SENSE MAINTENANCE", Direction::In, SHORT, nullptr},
     {0x1E, "SENSE ENCRYPTION STATUS", Direction::In, SHORT, &Controller::senseEncryption},
@@ -42,14 +42,14 @@ constexpr Controller::Management COMMANDS[] = {
     {0x59, "SENSE EXPANSION ABILITY", Direction::In, SHORT, nullptr},
     {0x5D, "MIRROR DRIVE PAIR INFO", Direction::In, SHORT, nullptr},
     {0x64, "SENSE CONTROLLER PARAMETERS", Direction::In, SHORT, &Controller::senseParameters},
-    {0x65, "SENSE BUS PARAMETERS", Direction::In, SHORT, nullptr},
+    {0x65, "SENSE BUS PARAMETERS", Direction::In, SHORT, &Controller::senseBusParameters},
     {0x66, "SENSE SUBSYSTEM INFORMATION", Direction::In, SHORT, &Controller::senseSubsystem},
     {0x6C, "FLASH COMPONENT", Direction::Out, SHORT, nullptr},
     {0x70, "SENSE SURFACE STATUS", Direction::In, SHORT, &Controller::senseSurfaceStatus},
     {0x72, "SENSE MNP STATUS", Direction::In, SHORT, &Controller::senseMnpStatus},
     {0x73, "SENSE KEY RECORDS", Direction::In, SHORT, nullptr},
     {0x82, "SENSE REDUNDANT PARAMETERS", Direction::In, SHORT, &Controller::senseRedundantParameters},
-    {0x92, "PASS THROUGH SPECIAL INQUIRY", Direction::In, SHORT, nullptr},
+    {0x92, "PASS THROUGH SPECIAL INQUIRY", Direction::In, SHORT, &Controller::specialInquiry},
     {0x98, "PAUSE BACKGROUND ACTIVITY", Direction::None, SHORT, &Controller::pause},
     {0x99, "RESUME BACKGROUND ACTIVITY", Direction::None, SHORT, &Controller::resume},
     {0xA0, "SENSE MNP STATISTICS", Direction::In, SHORT, nullptr},
@@ -199,11 +199,14 @@ std::unique_ptr<Device> makeArrayController(DeviceFrame frame, Object const& obj
     facts.boardId = std::uint32_t{frame.pci.subsystemDevice} << 16 | frame.pci.subsystemVendor;
     facts.worldWideName = setup.worldWideName;
     ControllerRecords records(object, facts);
+    TargetPlace place;
+    place.firmware = firmware;
+    place.device = frame.name;
+    ControllerUnits units(object, place);
     ControllerFirmware rom(firmware, frame.name, object.at("family").text(IMAGE_FAMILY_SIZE), versions);
     CollectBuffer collected(firmware / (frame.name + ".collect"), setup.collectLimit);
     return std::make_unique<ArrayController>(std::move(frame), std::move(setup), std::move(rom),
-                                             std::move(records), std::move(collected),
-                                             ControllerUnits(object));
+                                             std::move(records), std::move(collected), std::move(units));
 }
 
 }  // namespace simulator

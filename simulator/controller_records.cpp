@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "simulator/record_filler.h"
+
 namespace simulator {
 
 namespace {
@@ -12,56 +14,17 @@ constexpr char const* RECORD_KEYS[] = {
     "cache",       "cache_module", "surface_status",        "mnp_status",
     "board_power", "power_mode"};
 constexpr std::size_t MOST_LOGICAL_DRIVES = 1024;
-constexpr std::size_t LARGEST_RECORD = 65536;
-
-/// A record of its layout's size, to be filled by member names.
-class Filler {
-  public:
-    explicit Filler(RecordLayout const& layout) : m_layout(layout), m_record(layout.size, 0) {}
-
-    Filler& number(std::string_view name, std::uint64_t value) {
-        Field const& field = *findField(m_layout, name);
-        putLittle(&m_record[field.offset], field.size, value);
-        return *this;
-    }
-    Filler& text(std::string_view name, std::string_view value) {
-        Field const& field = *findField(m_layout, name);
-        putText(&m_record[field.offset], field.size, value);
-        return *this;
-    }
-    Filler& big(std::string_view name, std::uint64_t value) {
-        Field const& field = *findField(m_layout, name);
-        putBig(&m_record[field.offset], 8, value);
-        return *this;
-    }
-    /// All text members that nothing is said about are blank, not zero.
-    Filler& blankTexts() {
-        for (Field const& field : m_layout.fields)
-            if (field.kind == FieldKind::Text) putText(&m_record[field.offset], field.size, "");
-        return *this;
-    }
-    std::uint8_t* at(std::size_t offset) { return &m_record[offset]; }
-    Bytes take() { return std::move(m_record); }
-
-  private:
-    RecordLayout const& m_layout;
-    Bytes m_record;
-};
 
 }  // namespace
 
-ControllerRecords::Override ControllerRecords::read(Object const& object, std::string const& key) {
-    auto const value = object.find(key);
-    return value ? Override{value->json(), value->where()} : Override{};
-}
-
 ControllerRecords::ControllerRecords(Object const& device, Facts facts) : m_facts(std::move(facts)) {
     for (char const* key : RECORD_KEYS)
-        m_overrides[key] = read(device, key);
+        m_overrides[key] = readOverride(device, key);
     if (auto const drives = device.find("logical_drives")) {
         for (Value const& drive : drives->list()) {
             Object const object(drive);
-            m_logicalDrives.push_back({read(object, "configuration"), read(object, "identify")});
+            m_logicalDrives.push_back(
+                {readOverride(object, "configuration"), readOverride(object, "identify")});
             object.refuseOthers();
         }
         if (m_logicalDrives.size() > MOST_LOGICAL_DRIVES)
@@ -85,7 +48,7 @@ ControllerRecords::ControllerRecords(Object const& device, Facts facts) : m_fact
 
 /// Builds every record once, so that a scenario's mistakes show when it is read.
 void ControllerRecords::checkAll() const {
-    identifyController({});
+    identifyController({}, ControllerBoxes());
     subsystem();
     controllerParameters();
     redundantParameters();
@@ -103,18 +66,8 @@ void ControllerRecords::checkAll() const {
         encryptionPage(page.number);
 }
 
-/// Applies what the scenario sets. A record that announces a greater length than it has is that long.
-Bytes ControllerRecords::finish(RecordLayout const& layout, Bytes record, Override const& override) {
-    setFields(layout, record, Value(override.json, override.where));
-    if (Field const* total = findField(layout, "dwTotalStructureLength")) {
-        std::uint64_t const length = getLittle(&record[total->offset], total->size);
-        record.resize(std::max<std::size_t>(record.size(), std::min<std::uint64_t>(length, LARGEST_RECORD)),
-                      0);
-    }
-    return record;
-}
-
-Bytes ControllerRecords::identifyController(FirmwareVersions const& versions) const {
+Bytes ControllerRecords::identifyController(FirmwareVersions const& versions,
+                                            ControllerBoxes const& boxes) const {
     Filler record(IDENTIFY_CONTROLLER);
     record.blankTexts()
         .number("bConfiguredLogicalDrives", std::min<std::size_t>(m_logicalDrives.size(), 255))
@@ -144,7 +97,8 @@ Bytes ControllerRecords::identifyController(FirmwareVersions const& versions) co
         .text("sFirmwareCompileTimeStamp", "Jan 15 2024 10:30:00")
         .number("bPCIEGeneration", 3)
         .number("bPCIEWidth", 8);
-    return finish(IDENTIFY_CONTROLLER, record.take(), m_overrides.at("identify"));
+    boxes.mark(record);
+    return finishRecord(IDENTIFY_CONTROLLER, record.take(), m_overrides.at("identify"));
 }
 
 Bytes ControllerRecords::subsystem() const {
@@ -170,7 +124,7 @@ Bytes ControllerRecords::subsystem() const {
         putText(record.at(504 + 12 * port), 2, port == 0 ? "1I" : "2I");
         putBig(record.at(708 + 32 * port), 8, m_facts.worldWideName + 1 + port);
     }
-    return finish(SUBSYSTEM_INFORMATION, record.take(), m_overrides.at("subsystem"));
+    return finishRecord(SUBSYSTEM_INFORMATION, record.take(), m_overrides.at("subsystem"));
 }
 
 Bytes ControllerRecords::controllerParameters() const {
@@ -181,7 +135,7 @@ Bytes ControllerRecords::controllerParameters() const {
         .number("bExpandPriority", 6)
         .text("sHardwareName", m_facts.product)
         .number("dwTotalStructureLength", 512);
-    return finish(CONTROLLER_PARAMETERS, record.take(), m_overrides.at("controller_parameters"));
+    return finishRecord(CONTROLLER_PARAMETERS, record.take(), m_overrides.at("controller_parameters"));
 }
 
 Bytes ControllerRecords::redundantParameters() const {
@@ -191,7 +145,7 @@ Bytes ControllerRecords::redundantParameters() const {
         .number("dwTotalStructureLength", 512)
         .number("wMaximumLogicalDevicesSupported", 64)
         .number("dwFixedStructureLength", 150);
-    return finish(REDUNDANT_PARAMETERS, record.take(), m_overrides.at("redundant_parameters"));
+    return finishRecord(REDUNDANT_PARAMETERS, record.take(), m_overrides.at("redundant_parameters"));
 }
 
 Bytes ControllerRecords::cacheConfiguration(unsigned unit) const {
@@ -203,17 +157,18 @@ Bytes ControllerRecords::cacheConfiguration(unsigned unit) const {
         .number("wNonBatteryBackedMemorySize", 512)
         .number("wTotalAvailableMemorySize", 512)
         .number("bPercentReadCache", 100);
-    return finish(CACHE_CONFIGURATION, record.take(), m_overrides.at(unit == 0 ? "cache" : "cache_module"));
+    return finishRecord(CACHE_CONFIGURATION, record.take(),
+                        m_overrides.at(unit == 0 ? "cache" : "cache_module"));
 }
 
 Bytes ControllerRecords::surfaceStatus() const {
     Bytes record(SURFACE_STATUS.size, 0);
     putLittle(&record[1422], 4, record.size());  // total length
-    return finish(SURFACE_STATUS, std::move(record), m_overrides.at("surface_status"));
+    return finishRecord(SURFACE_STATUS, std::move(record), m_overrides.at("surface_status"));
 }
 
 Bytes ControllerRecords::mnpStatus() const {
-    return finish(MNP_STATUS, Bytes(MNP_STATUS.size, 0), m_overrides.at("mnp_status"));
+    return finishRecord(MNP_STATUS, Bytes(MNP_STATUS.size, 0), m_overrides.at("mnp_status"));
 }
 
 Bytes ControllerRecords::logicalDriveConfiguration(unsigned drive) const {
@@ -227,7 +182,7 @@ Bytes ControllerRecords::logicalDriveConfiguration(unsigned drive) const {
         .number("wBlockSize", 512)
         .number("bConfigModMajorVer", 2)
         .number("wMaximumPhysicalDevicesSupported", 128);
-    return finish(LOGICAL_DRIVE_CONFIGURATION, record.take(), m_logicalDrives[drive].configuration);
+    return finishRecord(LOGICAL_DRIVE_CONFIGURATION, record.take(), m_logicalDrives[drive].configuration);
 }
 
 Bytes ControllerRecords::identifyLogicalDrive(unsigned drive) const {
@@ -238,19 +193,19 @@ Bytes ControllerRecords::identifyLogicalDrive(unsigned drive) const {
         .number("dwVolumeIdentifier", 0x5C1E2000 + drive)
         .text("sVolumeLabel", "VOLUME " + std::to_string(drive + 1))
         .number("qwBigBlocksInLogicalDrive", 1953525168);
-    return finish(IDENTIFY_LOGICAL_DRIVE, record.take(), m_logicalDrives[drive].identify);
+    return finishRecord(IDENTIFY_LOGICAL_DRIVE, record.take(), m_logicalDrives[drive].identify);
 }
 
 Bytes ControllerRecords::boardPower() const {
     Filler record(BOARD_POWER);
     record.number("dwTotalBoardPower", 14);
-    return finish(BOARD_POWER, record.take(), m_overrides.at("board_power"));
+    return finishRecord(BOARD_POWER, record.take(), m_overrides.at("board_power"));
 }
 
 Bytes ControllerRecords::powerMode() const {
     Filler record(POWER_MODE);
     record.number("bSupportedPowerModes", 1);
-    return finish(POWER_MODE, record.take(), m_overrides.at("power_mode"));
+    return finishRecord(POWER_MODE, record.take(), m_overrides.at("power_mode"));
 }
 
 std::optional<Bytes> ControllerRecords::encryptionPage(unsigned number) const {
@@ -259,7 +214,8 @@ std::optional<Bytes> ControllerRecords::encryptionPage(unsigned number) const {
     if (page == ENCRYPTION_PAGES.end()) return std::nullopt;
     Bytes record(page->layout.size, 0);
     auto const found = m_encryptionPages.find(number);
-    return found == m_encryptionPages.end() ? record : finish(page->layout, std::move(record), found->second);
+    return found == m_encryptionPages.end() ? record
+                                            : finishRecord(page->layout, std::move(record), found->second);
 }
 
 }  // namespace simulator

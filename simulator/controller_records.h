@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "simulator/controller_boxes.h"
 #include "simulator/device.h"
 #include "simulator/fields.h"
 
@@ -29,7 +30,7 @@ class ControllerRecords {
     /// Reads a device's record keys ("identify", "subsystem", ...). Throws ScenarioError.
     ControllerRecords(Object const& device, Facts facts);
 
-    Bytes identifyController(FirmwareVersions const& versions) const;
+    Bytes identifyController(FirmwareVersions const& versions, ControllerBoxes const& boxes) const;
     Bytes subsystem() const;
     Bytes controllerParameters() const;
     Bytes redundantParameters() const;
@@ -46,17 +47,11 @@ class ControllerRecords {
     std::optional<Bytes> encryptionPage(unsigned page) const;
 
   private:
-    /// What a scenario sets in one record; it outlives the document it came from.
-    struct Override {
-        nlohmann::json json = nlohmann::json::object();
-        std::string where;
-    };
+    using Override = RecordOverride;
     struct LogicalDrive {
         Override configuration;
         Override identify;
     };
-    static Override read(Object const& object, std::string const& key);
-    static Bytes finish(RecordLayout const& layout, Bytes record, Override const& override);
     void checkAll() const;
 
     Facts m_facts;

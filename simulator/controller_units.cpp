@@ -21,44 +21,100 @@ constexpr std::uint8_t EXPANDER_CODE = 5;
 
 }  // namespace
 
-ControllerUnits::ControllerUnits(Object const& device) {
+ControllerUnits::ControllerUnits(Object const& device, TargetPlace const& place) : m_place(place) {
     if (auto const list = device.find("physical_devices"))
         for (Value const& value : list->list())
-            readPhysical(value);
+            readPhysical(value, "", nullptr);
+    if (auto const list = device.find("boxes"))
+        for (Value const& value : list->list())
+            readBox(value);
     if (auto const list = device.find("volumes"))
         for (Value const& value : list->list())
             readVolume(value);
+    joinTargets(targets(), device.where());
+    for (Unit const& unit : m_units) {  // refuses bad members of the scenario now
+        if (unit.isVolume) continue;
+        identify(unit.index(), 0);
+        specialInquiry(unit.index(), 0);
+    }
 }
 
-void ControllerUnits::readPhysical(Value const& value) {
+unsigned ControllerUnits::Unit::index() const {
+    return static_cast<unsigned>(getBig(&entry[24], 2));
+}
+
+void ControllerUnits::readBox(Value const& value) {
+    Object const object(value);
+    ControllerBoxes::Box box = ControllerBoxes::readBox(object);
+    if (auto const list = object.find("seps"))
+        for (Value const& sep : list->list()) {
+            unsigned const index = readPhysical(sep, "enclosure_processor", &box);
+            auto const type = static_cast<unsigned>(Object(sep).numberOr("sep_type", 1, 255));
+            box.processors.push_back({index, type});
+        }
+    if (auto const list = object.find("expanders"))
+        for (Value const& expander : list->list())
+            box.expanders.push_back(readPhysical(expander, "expander", &box));
+    object.refuseOthers();
+    m_boxes.add(std::move(box), value.where());
+}
+
+unsigned ControllerUnits::readPhysical(Value const& value, std::string const& given,
+                                       ControllerBoxes::Box const* box) {
     Object const object(value);
     Unit unit;
-    unit.address = readAddressText(object.at("address"));
     unit.entry.resize(32);
+    auto const index = static_cast<unsigned>(object.numberOr("index", m_units.size(), 0xFFFF));
+    putBig(&unit.entry[24], 2, index);
+    if (box == nullptr || object.has("address"))
+        unit.address = readAddressText(object.at("address"));
+    else  // any address will do that no other device has
+        unit.address = {
+            static_cast<std::uint8_t>(index), static_cast<std::uint8_t>(index >> 8), 0, 0, 0, 0, 0, 1};
     std::copy(unit.address.begin(), unit.address.end(), unit.entry.begin());
-    std::uint64_t worldWideName = 0;
+    TargetPlace place = m_place;
+    if (box != nullptr) {
+        unit.inBox = true;
+        unit.box = m_boxes.all().size();
+        place.port = box->paths[0].port;
+        place.box = box->paths[0].number;
+        place.chassisSerial = box->serial;
+        auto const* const letters = reinterpret_cast<std::uint8_t const*>(m_place.device.data());
+        place.worldWideName = 0x51E5D00000000000U |
+                              std::uint64_t{crc32({letters, m_place.device.size()})} << 8 | (index & 0xFF);
+    }
     if (auto const address = object.find("sas_address")) {
         auto const bytes = readAddressText(*address);
-        worldWideName = getBig(bytes.data(), bytes.size());
-        putBig(&unit.entry[8], 8, worldWideName);
+        place.worldWideName = getBig(bytes.data(), bytes.size());
     }
+    putBig(&unit.entry[8], 8, place.worldWideName);
     if (auto const address = object.find("parent_sas_address")) {
         auto const bytes = readAddressText(*address);
         std::copy(bytes.begin(), bytes.end(), unit.entry.begin() + 16);
     }
-    putBig(&unit.entry[24], 2, object.numberOr("index", m_units.size(), 0xFFFF));
     unit.entry[27] = static_cast<std::uint8_t>(object.numberOr("phy", 0, 255));
     unit.entry[28] = static_cast<std::uint8_t>(object.numberOr("parent_phy", 0, 255));
-    std::string const kind = object.at("kind").text();
+    if (given == "enclosure_processor") object.numberOr("sep_type", 1, 255);  // the box's record tells it
+    unit.identify = readOverride(object, "identify");
+    unit.specialInquiry = readOverride(object, "special_inquiry");
+    std::string const kind = given.empty() ? object.at("kind").text() : given;
     std::uint8_t code = EXPANDER_CODE;
     if (kind != "expander") {
-        unit.target = makeScsiTarget(object, worldWideName);
+        unit.target = given.empty() ? makeScsiTarget(object, place) : makeScsiTarget(object, place, given);
         for (TypeRow const& row : TYPES)
             if (row.kind == kind) code = row.code;
+    } else {
+        unit.expander.peripheralType = 0x0D;
+        unit.expander.vendor = object.textOr("vendor", "VQ", 8);
+        unit.expander.product = object.textOr("product", "VIRTUAL EXPANDER", 16);
+        unit.expander.revision = object.textOr("revision", "1.00", 4);
+        unit.expander.serial = object.textOr("serial", "", 32);
+        unit.expander.worldWideName = place.worldWideName;
     }
     unit.entry[26] = static_cast<std::uint8_t>(object.numberOr("type", code, 255));
     object.refuseOthers();
     m_units.push_back(std::move(unit));
+    return index;
 }
 
 void ControllerUnits::readVolume(Value const& value) {
@@ -74,7 +130,9 @@ void ControllerUnits::readVolume(Value const& value) {
             identity->refuse("32 hexadecimal digits");
         std::copy(bytes.begin(), bytes.end(), unit.entry.begin() + 8);
     }
-    unit.target = makeScsiTarget(object, getBig(&unit.entry[8], 8));
+    TargetPlace place = m_place;
+    place.worldWideName = getBig(&unit.entry[8], 8);
+    unit.target = makeScsiTarget(object, place);
     object.refuseOthers();
     m_units.push_back(std::move(unit));
 }
@@ -97,7 +155,7 @@ Reply ControllerUnits::report(Command const& command) const {
     reply.data.resize(8);
     reply.data[4] = form;
     for (Unit const& unit : m_units) {
-        if (unit.isVolume != (command.block[0] == REPORT_LOGICAL)) continue;
+        if (unit.isVolume != (command.block[0] == REPORT_LOGICAL) || !unit.present(command.now)) continue;
         std::size_t const size = form == LONG_FORM ? unit.entry.size() : unit.address.size();
         reply.data.insert(reply.data.end(), unit.entry.begin(),
                           unit.entry.begin() + static_cast<std::ptrdiff_t>(size));
@@ -108,9 +166,66 @@ Reply ControllerUnits::report(Command const& command) const {
 }
 
 bool ControllerUnits::hasIndex(unsigned index) const {
-    return std::any_of(m_units.begin(), m_units.end(), [&](Unit const& unit) {
-        return !unit.isVolume && getBig(&unit.entry[24], 2) == index;
-    });
+    return std::any_of(m_units.begin(), m_units.end(),
+                       [&](Unit const& unit) { return !unit.isVolume && unit.index() == index; });
+}
+
+std::vector<ScsiTarget*> ControllerUnits::targets() const {
+    std::vector<ScsiTarget*> found;
+    for (Unit const& unit : m_units)
+        if (unit.target && !unit.target->name().empty()) found.push_back(unit.target.get());
+    return found;
+}
+
+ControllerUnits::Unit const* ControllerUnits::findIndex(unsigned index, std::uint64_t now) const {
+    for (Unit const& unit : m_units)
+        if (!unit.isVolume && unit.index() == index && unit.present(now)) return &unit;
+    return nullptr;
+}
+
+std::optional<Bytes> ControllerUnits::identify(unsigned index, std::uint64_t now) const {
+    Unit const* const unit = findIndex(index, now);
+    if (unit == nullptr) return std::nullopt;
+    InquiryIdentity const& identity = unit->identity();
+    Filler record(PHYSICAL_DEVICE);
+    record.blankTexts()
+        .text("sDriveModel", identity.product)
+        .text("sDriveSerialNumber", identity.serial)
+        .text("sDriveFirmwareRevision", identity.revision)
+        .number("bPhysicalBay", 0xFF)
+        .number("bPhysicalBox", 0xFF)
+        .number("bDeviceType", unit->entry[26])
+        .big("bWWID", identity.worldWideName);
+    if (unit->inBox) {
+        ControllerBoxes::Box const& box = m_boxes.all()[unit->box];
+        ControllerBoxes::Path const& path = box.paths[0];
+        record.number("bSCSIBus", path.bus)
+            .number("bSCSIID", path.target)
+            .text("sPhysicalPort", path.port)
+            .number("bPhysicalBox", path.number)
+            .number("bBoxIndex", path.index());
+        ControllerBoxes::putPaths(record, box);
+    }
+    return finishRecord(PHYSICAL_DEVICE, record.take(), unit->identify);
+}
+
+std::optional<Bytes> ControllerUnits::specialInquiry(unsigned index, std::uint64_t now) const {
+    Unit const* const unit = findIndex(index, now);
+    if (unit == nullptr) return std::nullopt;
+    InquiryIdentity const& identity = unit->identity();
+    Filler record(SPECIAL_INQUIRY);
+    record.number("dwNumberInquiryCommands", 2);
+    for (std::size_t const at : {std::size_t{14}, std::size_t{546}}) {
+        *record.at(at) = identity.peripheralType;
+        putText(record.at(at + 8), 8, identity.vendor);
+        putText(record.at(at + 16), 16, identity.product);
+        putText(record.at(at + 32), 4, identity.revision);
+    }
+    *record.at(280) = identity.peripheralType;
+    *record.at(281) = 0x80;
+    *record.at(283) = static_cast<std::uint8_t>(identity.serial.size());
+    putText(record.at(284), 64, identity.serial);
+    return finishRecord(SPECIAL_INQUIRY, record.take(), unit->specialInquiry);
 }
 
 ScsiTarget* ControllerUnits::find(std::array<std::uint8_t, 8> const& address) const {

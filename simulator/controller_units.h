@@ -1,6 +1,7 @@
 #pragma once
 
-/// Devices and volumes behind an array controller, and the controller's reports of them.
+/// Devices and volumes behind an array controller, the boxes that they are in, and the controller's reports
+/// of them.
 ///
 /// Long form of both reports (byte 1 of the command block is 2): 0 4 length of the list, high byte first;
 /// 4 1 the form; from 8 the entries.
@@ -12,14 +13,23 @@
 
 #include <optional>
 
+#include "simulator/controller_boxes.h"
 #include "simulator/scsi_target.h"
 
 namespace simulator {
 
 class ControllerUnits {
   public:
-    /// Reads "physical_devices" and "volumes" of a device. Throws ScenarioError.
-    explicit ControllerUnits(Object const& device);
+    /// Reads "physical_devices", "boxes" and "volumes" of a device. Throws ScenarioError.
+    ControllerUnits(Object const& device, TargetPlace const& place);
+
+    ControllerBoxes const& boxes() const { return m_boxes; }
+    /// What is behind the controller and keeps something.
+    std::vector<ScsiTarget*> targets() const;
+    /// IDENTIFY PHYSICAL DRIVE and PASS THROUGH SPECIAL INQUIRY of an index; nothing when no device that is
+    /// present has it.
+    std::optional<Bytes> identify(unsigned index, std::uint64_t now) const;
+    std::optional<Bytes> specialInquiry(unsigned index, std::uint64_t now) const;
 
     /// Answers 0xC2 and 0xC3.
     Reply report(Command const& command) const;
@@ -34,11 +44,25 @@ class ControllerUnits {
         std::array<std::uint8_t, 8> address{};
         Bytes entry;  ///< of the long form
         std::shared_ptr<ScsiTarget> target;
+        InquiryIdentity expander;  ///< of a unit without a target
         bool isVolume = false;
-    };
-    void readPhysical(Value const& value);
-    void readVolume(Value const& value);
+        bool inBox = false;  ///< what it is in is m_boxes' element `box`, or nothing is known of it
+        std::size_t box = 0;
+        RecordOverride identify;
+        RecordOverride specialInquiry;
 
+        bool present(std::uint64_t now) const { return !target || target->present(now); }
+        InquiryIdentity const& identity() const { return target ? target->identity() : expander; }
+        unsigned index() const;
+    };
+    /// `kind` is empty for a device that tells its own. Returns the unit's index.
+    unsigned readPhysical(Value const& value, std::string const& kind, ControllerBoxes::Box const* box);
+    void readBox(Value const& value);
+    void readVolume(Value const& value);
+    Unit const* findIndex(unsigned index, std::uint64_t now) const;
+
+    TargetPlace m_place;
+    ControllerBoxes m_boxes;
     std::vector<Unit> m_units;
 };
 

@@ -142,8 +142,14 @@ void CsmiAdapter::summarise(DeviceSummary& row) {
     if (!m_paused.empty()) row.state = "paused";
 }
 
+ScsiTarget* CsmiAdapter::targetOf(Command const& command) const {
+    bool const carries = command.csmi == CSMI_SSP || command.csmi == 0;
+    SasDevice const* const device = carries ? findSasDevice(m_setup.phys, command.address) : nullptr;
+    return device != nullptr ? device->target.get() : nullptr;
+}
+
 std::unique_ptr<Device> makeCsmiAdapter(DeviceFrame frame, Object const& object,
-                                        std::filesystem::path const&) {
+                                        std::filesystem::path const& firmware) {
     CsmiAdapter::Setup setup;
     setup.serial = object.textOr("serial", "", 81);
     setup.slot = static_cast<std::uint16_t>(object.numberOr("csmi_slot", 0xFFFF, 0xFFFF));
@@ -153,7 +159,13 @@ std::unique_ptr<Device> makeCsmiAdapter(DeviceFrame frame, Object const& object,
     setup.firmware = readVersion(object, "firmware_version", {1, 0, 0, 0});
     setup.rom = readVersion(object, "rom_version", {1, 0, 0, 0});
     setup.driver = readVersion(object, "driver_version", {1, 0, 0, 0});
-    if (auto const phys = object.find("phys")) setup.phys = readPhys(*phys);
+    if (auto const phys = object.find("phys")) {
+        TargetPlace place;
+        place.firmware = firmware;
+        place.device = frame.name;
+        setup.phys = readPhys(*phys, place);
+        joinTargets(sasTargets(setup.phys), object.where());
+    }
     setup.phyCount = static_cast<std::uint8_t>(object.numberOr("phy_count", setup.phys.size(), 255));
     return std::make_unique<CsmiAdapter>(std::move(frame), std::move(setup));
 }

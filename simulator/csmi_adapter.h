@@ -34,6 +34,8 @@ class CsmiAdapter : public Device {
         m_paused = state.at("paused").get<std::set<std::string>>();
     }
     void summarise(DeviceSummary& row) override;
+    std::vector<ScsiTarget*> targets() const override { return sasTargets(m_setup.phys); }
+    ScsiTarget* targetOf(Command const& command) const override;
 
   private:
     Bytes driverInformation() const;

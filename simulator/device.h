@@ -12,6 +12,7 @@
 #include "simulator/exchange.h"
 #include "simulator/kernel_records.h"
 #include "simulator/machine.h"
+#include "simulator/scsi_target.h"
 
 namespace simulator {
 
@@ -70,6 +71,14 @@ class Device {
     virtual void loadState(nlohmann::json const&) {}
 
     virtual void summarise(DeviceSummary&) {}
+    /// What is behind the device and keeps something, and what a command is for; null for the device itself.
+    virtual std::vector<ScsiTarget*> targets() const { return {}; }
+    virtual ScsiTarget* targetOf(Command const&) const { return nullptr; }
+    /// Looks for what is new behind it.
+    void scan(std::uint64_t now) {
+        for (ScsiTarget* const target : targets())
+            target->scan(now);
+    }
     virtual Bytes romImage(Rom) { return {}; }
 
   private:

@@ -23,6 +23,7 @@ struct Command {
     Bytes dataOut;               ///< what was sent; empty unless the direction is Out or Both
     std::size_t bufferSize = 0;  ///< size of the caller's buffer, also when the direction is None
     std::uint64_t timeoutMilliseconds = 0;
+    std::uint64_t now = 0;  ///< virtual time at which it arrives, microseconds; the machine sets it
 
     /// Logical unit address (all zero is the controller), or SAS address by CSMI.
     std::array<std::uint8_t, 8> address{};

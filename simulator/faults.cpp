@@ -21,6 +21,7 @@ int errnoOf(Value const& value) {
 
 void readMatch(Object const& match, FaultRule& rule) {
     if (auto const device = match.find("device")) rule.device = device->text();
+    if (auto const unit = match.find("unit")) rule.unit = unit->text();
     if (auto const command = match.find("command")) {
         bool const numeric = !command->json().is_string() || command->text().starts_with("0x");
         if (numeric)
@@ -125,13 +126,14 @@ void FaultPlan::add(Value const& rules) {
     m_matches.resize(m_rules.size(), 0);
 }
 
-FaultRule const* FaultPlan::next(std::string const& device, std::string const& commandName,
-                                 std::uint8_t opcode) {
+FaultRule const* FaultPlan::next(std::string const& device, std::string const& unit,
+                                 std::string const& commandName, std::uint8_t opcode) {
     ++m_exchanges;
     FaultRule const* striking = nullptr;
     for (std::size_t i = 0; i < m_rules.size(); ++i) {
         FaultRule const& rule = m_rules[i];
         if (rule.device && *rule.device != device) continue;
+        if (rule.unit && *rule.unit != unit) continue;
         if (rule.commandName && *rule.commandName != commandName) continue;
         if (rule.opcode && *rule.opcode != opcode) continue;
         if (rule.exchange && m_exchanges < *rule.exchange) continue;

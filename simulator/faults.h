@@ -27,6 +27,7 @@ enum class FaultKind {
 struct FaultRule {
     // What it matches; all that are set must fit.
     std::optional<std::string> device;
+    std::optional<std::string> unit;  ///< behind the device
     std::optional<std::string> commandName;
     std::optional<std::uint8_t> opcode;
     std::optional<std::uint64_t> nth;       ///< the first match that strikes, from 1
@@ -54,7 +55,8 @@ class FaultPlan {
 
     /// Counts an exchange and says which rule strikes it; null when none does. The pointer is valid until
     /// the next add().
-    FaultRule const* next(std::string const& device, std::string const& commandName, std::uint8_t opcode);
+    FaultRule const* next(std::string const& device, std::string const& unit, std::string const& commandName,
+                          std::uint8_t opcode);
     std::uint64_t exchanges() const { return m_exchanges; }
 
     /// The counters as text of a constant length and back, so that several processes can count together.

@@ -52,6 +52,11 @@ extern RecordLayout const SURFACE_STATUS;
 extern RecordLayout const MNP_STATUS;
 extern RecordLayout const BOARD_POWER;
 extern RecordLayout const POWER_MODE;
+extern RecordLayout const BOX_INQUIRY;
+extern RecordLayout const BOX_ALARM;
+extern RecordLayout const BUS_PARAMETERS;
+extern RecordLayout const PHYSICAL_DEVICE;
+extern RecordLayout const SPECIAL_INQUIRY;
 /// The encryption status pages: their numbers and layouts.
 struct EncryptionPage {
     unsigned number;

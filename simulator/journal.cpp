@@ -37,6 +37,11 @@ std::string seconds(std::uint64_t microseconds) {
     return text.str();
 }
 
+/// "left", or "left/front" for what is behind it.
+std::string place(JournalEntry const& entry) {
+    return entry.unit.empty() ? entry.device : entry.device + "/" + entry.unit;
+}
+
 }  // namespace
 
 json toJson(JournalEntry const& entry) {
@@ -45,6 +50,7 @@ json toJson(JournalEntry const& entry) {
                  {"event", entry.event}};
     if (!entry.device.empty()) line["device"] = entry.device;
     if (!entry.node.empty()) line["node"] = entry.node;
+    if (!entry.unit.empty()) line["unit"] = entry.unit;
     if (!entry.text.empty()) line["text"] = entry.text;
     if (!entry.outcome.empty()) line["outcome"] = entry.outcome;
     if (entry.error != 0) line["errno"] = entry.error;
@@ -80,6 +86,7 @@ JournalEntry toEntry(json const& line) {
     entry.event = line.at("event").get<std::string>();
     entry.device = line.value("device", "");
     entry.node = line.value("node", "");
+    entry.unit = line.value("unit", "");
     entry.text = line.value("text", "");
     entry.outcome = line.value("outcome", "");
     entry.error = line.value("errno", 0);
@@ -131,14 +138,14 @@ void printJournal(std::vector<JournalEntry> const& entries, std::ostream& out) {
     std::size_t deviceWidth = 6;
     std::size_t commandWidth = 7;
     for (JournalEntry const& entry : entries) {
-        deviceWidth = std::max(deviceWidth, entry.device.size());
+        deviceWidth = std::max(deviceWidth, place(entry).size());
         commandWidth = std::max(commandWidth, entry.command.size());
     }
     commandWidth = std::min<std::size_t>(commandWidth, 44);
     for (JournalEntry const& entry : entries) {
         out << std::right << std::setw(6) << entry.sequence << "  " << std::setw(10)
             << seconds(entry.microseconds) << "  " << std::left << std::setw(static_cast<int>(deviceWidth))
-            << entry.device << "  ";
+            << place(entry) << "  ";
         if (entry.event == "exchange") {
             out << std::setw(static_cast<int>(commandWidth)) << entry.command << "  " << std::setw(5)
                 << entry.direction << std::right << std::setw(7) << entry.length << "  " << std::left

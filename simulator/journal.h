@@ -22,6 +22,7 @@ struct JournalEntry {
     std::string event;
     std::string device;
     std::string node;
+    std::string unit;  ///< name of a target behind the device, empty for the device itself
     std::string text;
 
     std::uint64_t exchange = 0;  ///< counted from 1 since the run began

@@ -100,6 +100,7 @@ void spoil(FaultRule const& rule, Command const& command, Reply& reply) {
 Reply MachineCore::carryOut(Device& device, Command const& command, FaultRule const* rule) {
     if (rule == nullptr) return device.execute(command);
     if (refuses(*rule)) {
+        if (ScsiTarget* const target = device.targetOf(command)) target->missed(command);
         if (rule->kind == FaultKind::Vanish) vanished.insert(device.frame().name);
         return refusal(*rule);
     }
@@ -112,8 +113,10 @@ Reply MachineCore::carryOut(Device& device, Command const& command, FaultRule co
 
 /// One exchange: fault plan, device, clock, journal, state. `refusedWith` is an errno for a record that the
 /// node's driver doesn't take.
-Reply MachineCore::exchange(Device& device, Command const& command, RequestInfo const& info, int refusedWith,
+Reply MachineCore::exchange(Device& device, Command const& given, RequestInfo const& info, int refusedWith,
                             std::string const& reason) {
+    Command command = given;
+    command.now = clock;
     JournalEntry entry;
     entry.event = "exchange";
     entry.microseconds = clock;
@@ -122,7 +125,10 @@ Reply MachineCore::exchange(Device& device, Command const& command, RequestInfo 
     entry.request = info.name;
     entry.number = info.number;
     entry.command = info.hasCommand && !command.block.empty() ? device.commandName(command) : info.name;
-    FaultRule const* rule = scenario.faults.next(entry.device, entry.command, device.opcode(command));
+    ScsiTarget const* const target = info.hasCommand ? device.targetOf(command) : nullptr;
+    if (target != nullptr) entry.unit = target->name();
+    FaultRule const* rule =
+        scenario.faults.next(entry.device, entry.unit, entry.command, device.opcode(command));
     entry.exchange = scenario.faults.exchanges();
 
     Reply reply;
@@ -133,6 +139,7 @@ Reply MachineCore::exchange(Device& device, Command const& command, RequestInfo 
         reply.notes.push_back(reason);
     } else if (!info.hasCommand && (rule == nullptr || !refuses(*rule))) {
         if (rule != nullptr) spoil(*rule, command, reply);
+        device.scan(clock);  // the one request without a command: REGNEWD
     } else {
         reply = carryOut(device, command, rule);
     }
@@ -289,6 +296,8 @@ void Machine::powerCycle() {
         for (auto const& device : m_core->scenario.devices) {
             std::vector<std::string> events;
             device->powerCycle(events);
+            for (ScsiTarget* const target : device->targets())
+                target->powerCycle(events);
             for (std::string const& event : events)
                 m_core->journalEvent("firmware", device->frame().name, event);
             m_core->changed(*device);
@@ -308,7 +317,14 @@ std::vector<DeviceSummary> Machine::devices() {
             if (m_core->vanished.count(row.name) != 0)
                 row.state += row.state.empty() ? "vanished" : ", vanished";
             if (row.state.empty()) row.state = "ok";
-            rows.push_back(std::move(row));
+            rows.push_back(row);
+            for (ScsiTarget const* const target : device->targets()) {
+                DeviceSummary behind;
+                behind.name = device->frame().name + "/" + target->name();
+                target->summarise(behind, m_core->clock);
+                if (behind.state.empty()) behind.state = "ok";
+                rows.push_back(std::move(behind));
+            }
         }
         return rows;
     });
@@ -320,8 +336,11 @@ std::vector<JournalEntry> Machine::journal() const {
 
 Bytes Machine::romImage(std::string const& name, Rom rom) {
     return m_core->locked([&] {
-        for (auto const& device : m_core->scenario.devices)
+        for (auto const& device : m_core->scenario.devices) {
             if (device->frame().name == name) return device->romImage(rom);
+            for (ScsiTarget const* const target : device->targets())
+                if (device->frame().name + "/" + target->name() == name) return target->romImage(rom);
+        }
         throw MachineError("no device \"" + name + "\" in " + m_core->directory.string());
     });
 }

@@ -23,6 +23,14 @@ std::string clockText(std::uint64_t sequence, std::uint64_t microseconds) {
     return text;
 }
 
+/// A device's state with that of what is behind it.
+json wholeState(Device const& device) {
+    json state = device.saveState();
+    for (ScsiTarget const* const target : device.targets())
+        state["targets"][target->name()] = target->saveState();
+    return state;
+}
+
 json stateOf(std::map<std::string, json> const& devices, std::set<std::string> const& vanished) {
     return {{"devices", devices}, {"vanished", vanished}};
 }
@@ -58,7 +66,9 @@ void make(fs::path const& given, json const& document, std::string const& name, 
     std::map<std::string, json> states;
     for (auto const& device : scenario.devices) {
         device->initialise();
-        states[device->frame().name] = device->saveState();
+        for (ScsiTarget* const target : device->targets())
+            target->initialise();
+        states[device->frame().name] = wholeState(*device);
     }
     writeText(directory / "machine.json", text);
     writeText(directory / "state.json", stateOf(states, {}).dump(1) + "\n");
@@ -119,6 +129,8 @@ void MachineCore::loadState() {
         for (auto const& device : scenario.devices) {
             json const& own = state.at("devices").at(device->frame().name);
             device->loadState(own);
+            for (ScsiTarget* const target : device->targets())
+                target->loadState(own.at("targets").at(target->name()));
             m_saved[device->frame().name] = own;
         }
         vanished = state.at("vanished").get<std::set<std::string>>();
@@ -177,7 +189,7 @@ void MachineCore::journalEvent(std::string const& event, std::string const& devi
 }
 
 void MachineCore::changed(Device const& device) {
-    json state = device.saveState();
+    json state = wholeState(device);
     json& saved = m_saved[device.frame().name];
     if (state == saved) return;
     saved = std::move(state);

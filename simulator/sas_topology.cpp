@@ -18,9 +18,9 @@ std::uint64_t numberOf(SasAddress const& address) {
     return getBig(address.data(), address.size());
 }
 
-SasPhys readPhys(Value const& value, SasPhys& known);
+SasPhys readPhys(Value const& value, SasPhys& known, TargetPlace const& place);
 
-std::shared_ptr<SasDevice> readSasDevice(Value const& value, SasPhys& known) {
+std::shared_ptr<SasDevice> readSasDevice(Value const& value, SasPhys& known, TargetPlace const& place) {
     Object const object(value);
     if (auto const same = object.find("same_as")) {
         SasAddress const address = readAddressText(*same);
@@ -35,12 +35,14 @@ std::shared_ptr<SasDevice> readSasDevice(Value const& value, SasPhys& known) {
     if (kind == "expander" || kind == "fanout_expander") {
         device->type = kind == "expander" ? 2 : 3;
         device->targetProtocols = 2;
-        if (auto const phys = object.find("phys")) device->phys = readPhys(*phys, known);
+        if (auto const phys = object.find("phys")) device->phys = readPhys(*phys, known, place);
         device->phyCount = static_cast<std::uint8_t>(object.numberOr("phy_count", device->phys.size(), 255));
     } else if (kind == "host") {
         device->targetProtocols = 0;
     } else {
-        device->target = makeScsiTarget(object, numberOf(device->address));
+        TargetPlace own = place;
+        own.worldWideName = numberOf(device->address);
+        device->target = makeScsiTarget(object, own);
     }
     device->targetProtocols =
         static_cast<std::uint8_t>(object.numberOr("target_protocols", device->targetProtocols, 0x0F));
@@ -49,18 +51,32 @@ std::shared_ptr<SasDevice> readSasDevice(Value const& value, SasPhys& known) {
     return device;
 }
 
-SasPhys readPhys(Value const& value, SasPhys& known) {
+SasPhys readPhys(Value const& value, SasPhys& known, TargetPlace const& place) {
     SasPhys phys;
     for (Value const& each : value.list())
-        phys.push_back(each.json().is_null() ? nullptr : readSasDevice(each, known));
+        phys.push_back(each.json().is_null() ? nullptr : readSasDevice(each, known, place));
     return phys;
 }
 
 }  // namespace
 
-SasPhys readPhys(Value const& value) {
+SasPhys readPhys(Value const& value, TargetPlace const& place) {
     SasPhys known;
-    return readPhys(value, known);
+    return readPhys(value, known, place);
+}
+
+std::vector<ScsiTarget*> sasTargets(SasPhys const& phys) {
+    std::vector<ScsiTarget*> found;
+    auto const add = [&](ScsiTarget* target) {
+        if (std::find(found.begin(), found.end(), target) == found.end()) found.push_back(target);
+    };
+    for (auto const& device : phys) {
+        if (!device) continue;
+        if (device->target && !device->target->name().empty()) add(device->target.get());
+        for (ScsiTarget* const target : sasTargets(device->phys))
+            add(target);
+    }
+    return found;
 }
 
 SasDevice* findSasDevice(SasPhys const& phys, SasAddress const& address) {

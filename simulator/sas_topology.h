@@ -28,7 +28,10 @@ using SasPhys = std::vector<std::shared_ptr<SasDevice>>;
 /// Reads a list of phys: null, or an object with "kind" (a SCSI target's, or "expander", "fanout_expander",
 /// "host") and "sas_address"; the address of another phy's device alone, {"same_as": address}, makes a wide
 /// port. Throws ScenarioError.
-SasPhys readPhys(Value const& value);
+SasPhys readPhys(Value const& value, TargetPlace const& place);
+
+/// Every target behind the phys that keeps something, once.
+std::vector<ScsiTarget*> sasTargets(SasPhys const& phys);
 
 /// The device at an address, at any depth; null when there is none.
 SasDevice* findSasDevice(SasPhys const& phys, SasAddress const& address);

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <set>
+
+#include "simulator/enclosure_processor.h"
 
 namespace simulator {
 
@@ -27,7 +30,13 @@ struct Name {
 };
 
 constexpr Name NAMES[] = {{0x00, "TEST UNIT READY"},
+                          {0x08, "READ"},
                           {0x12, "INQUIRY"},
+                          {0x1C, "RECEIVE DIAGNOSTIC RESULTS"},
+                          {0x26, "READ ENCLOSURE MODE"},
+                          {0x27, "WRITE ENCLOSURE MODE"},
+                          {0x3B, "WRITE BUFFER"},
+                          {0x3C, "READ BUFFER"},
                           {0xC2, "REPORT LOGICAL LUNS"},
                           {0xC3, "REPORT PHYSICAL LUNS"}};
 
@@ -45,11 +54,15 @@ Reply ScsiTarget::execute(Command const& command) {
     }
 }
 
-std::unique_ptr<ScsiTarget> makeScsiTarget(Object const& object, std::uint64_t worldWideName) {
+std::unique_ptr<ScsiTarget> makeScsiTarget(Object const& object, TargetPlace const& place) {
     std::vector<std::string> names;
     for (Kind const& kind : KINDS)
         names.push_back(kind.name);
-    std::string const chosen = object.at("kind").choice(names);
+    return makeScsiTarget(object, place, object.at("kind").choice(names));
+}
+
+std::unique_ptr<ScsiTarget> makeScsiTarget(Object const& object, TargetPlace const& place,
+                                           std::string const& chosen) {
     Kind const& kind = *std::find_if(std::begin(KINDS), std::end(KINDS),
                                      [&](Kind const& row) { return row.name == chosen; });
     InquiryIdentity identity;
@@ -59,8 +72,25 @@ std::unique_ptr<ScsiTarget> makeScsiTarget(Object const& object, std::uint64_t w
     identity.product = object.textOr("product", kind.product, 16);
     identity.revision = object.textOr("revision", "1.00", 4);
     identity.serial = object.textOr("serial", "", 32);
-    identity.worldWideName = worldWideName;
+    identity.worldWideName = place.worldWideName;
+    if (chosen == "enclosure_processor") return makeEnclosureProcessor(std::move(identity), object, place);
     return std::make_unique<ScsiTarget>(std::move(identity));
+}
+
+void joinTargets(std::vector<ScsiTarget*> const& targets, std::string const& where) {
+    std::set<std::string> names;
+    for (ScsiTarget* const target : targets) {
+        if (target->name().empty()) continue;
+        if (!names.insert(target->name()).second)
+            throw ScenarioError(where + ": found the name \"" + target->name() +
+                                "\" a second time, expected each processor to have its own");
+        auto* const own = dynamic_cast<EnclosureProcessor*>(target);
+        for (ScsiTarget* const each : targets) {
+            auto* const other = dynamic_cast<EnclosureProcessor*>(each);
+            if (own != nullptr && other != nullptr && own != other && own->isNeighbour(*other))
+                own->join(*other);
+        }
+    }
 }
 
 std::string scsiName(std::uint8_t operationCode) {

@@ -155,8 +155,8 @@ TEST_F(Records, EncryptionPagesAreZerosUnlessTheScenarioSetsThem) {
 
 TEST_F(Records, UnsupportedCommandsAreIllegalRequests) {
     make(twoControllers());
-    EXPECT_EQ("5/20/0", outcome(send(ONE, sense(0x15, 512)))) << "known by name";
-    EXPECT_EQ("IDENTIFY PHYSICAL DRIVE", last().command);
+    EXPECT_EQ("5/20/0", outcome(send(ONE, sense(0x17, 512)))) << "known by name";
+    EXPECT_EQ("SENSE MAINTENANCE", last().command);
     EXPECT_EQ("5/20/0", outcome(send(ONE, sense(0xBE, 512)))) << "unknown";
     Command generic = sense(IDENTIFY, 512);
     generic.carrier = Carrier::ScsiGeneric;

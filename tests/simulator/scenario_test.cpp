@@ -40,7 +40,8 @@ INSTANTIATE_TEST_SUITE_P(
         BadScenario{"DevicesNoList", REPLACE("/devices", "7"), "scenario.devices: found 7, expected a list"},
         BadScenario{
             "UnknownKey", REPLACE("/devices/0/famly", "1"),
-            "scenario.devices[0]: found the key \"famly\", expected one of board_power, cache, cache_module, "
+            "scenario.devices[0]: found the key \"famly\", expected one of board_power, boxes, cache, "
+            "cache_module, "
             "collect_limit, "
             "controller_parameters, encryption, family, fast_path, firmware, identify, instance, "
             "kind, layout, "
