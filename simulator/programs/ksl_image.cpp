@@ -9,12 +9,15 @@
 #include "simulator/error.h"
 #include "simulator/files.h"
 #include "simulator/rom_image.h"
+#include "simulator/s_record.h"
 
 namespace {
 
 constexpr char const* HELP =
     "ksl-image make FILE --family FAMILY --version VERSION --size BYTES [--seed NUMBER]\n"
-    "    writes an image of BYTES in all; the seed (default 1) determines its payload\n"
+    "        [--format blocks|srecords]\n"
+    "    writes an image of BYTES in all; the seed (default 1) determines its payload;\n"
+    "    as S-records it is the same image as text\n"
     "ksl-image show FILE\n"
     "    what the image says of itself, and whether it is sound (exit status 1 when it isn't)\n";
 
@@ -48,6 +51,7 @@ int make(std::vector<std::string> const& arguments) {
     std::string version;
     std::uint64_t size = 0;
     std::uint64_t seed = 1;
+    bool asRecords = false;
     for (std::size_t i = 1; i < arguments.size(); i += 2) {
         std::string const& option = arguments[i];
         if (i + 1 == arguments.size()) throw UsageError(option + ": found no value, expected one");
@@ -60,20 +64,36 @@ int make(std::vector<std::string> const& arguments) {
             size = number(option, value, simulator::IMAGE_HEADER_SIZE, LARGEST_IMAGE);
         else if (option == "--seed")
             seed = number(option, value, 0, UINT64_MAX);
+        else if (option == "--format" && (value == "blocks" || value == "srecords"))
+            asRecords = value == "srecords";
+        else if (option == "--format")
+            throw UsageError("--format: found \"" + value + "\", expected blocks or srecords");
         else
-            throw UsageError("found \"" + option + "\", expected --family, --version, --size or --seed");
+            throw UsageError("found \"" + option +
+                             "\", expected --family, --version, --size, --seed or --format");
     }
     if (family.empty() || version.empty() || size == 0)
         throw UsageError("make: expected --family, --version and --size");
-    simulator::writeWholeFile(arguments[0], simulator::makeImage(family, version, size, seed));
+    simulator::Bytes const image = simulator::makeImage(family, version, size, seed);
+    if (asRecords)
+        simulator::writeText(arguments[0], simulator::makeSRecords(image, family + " " + version));
+    else
+        simulator::writeWholeFile(arguments[0], image);
     return 0;
 }
 
 int show(std::vector<std::string> const& arguments) {
     if (arguments.size() != 1) throw UsageError("show: expected one FILE");
-    simulator::Bytes const image = simulator::readWholeFile(arguments[0]);
+    simulator::Bytes image = simulator::readWholeFile(arguments[0]);
+    std::string problem;
+    if (!image.empty() && image[0] == 'S') {
+        simulator::SRecordReader reader;
+        problem = reader.read({reinterpret_cast<char const*>(image.data()), image.size()});
+        if (problem.empty() && !reader.ended) problem = "S-records without an end record";
+        image = std::move(reader.image);
+    }
     simulator::ImageInfo info;
-    std::string const problem = simulator::checkImage(image, info);
+    if (std::string const found = simulator::checkImage(image, info); problem.empty()) problem = found;
     std::printf(
         "file     %s\nbytes    %zu\nfamily   %s\nversion  %s\npayload  %u bytes, CRC-32 0x%08X\nimage    "
         "%s\n",

@@ -346,5 +346,98 @@ TEST_F(Programs, TheExamplePackageFitsItsMachine) {
     EXPECT_TRUE(fs::exists(package / "dogwood.xml"));
 }
 
+/// A processor of each way of taking firmware, and one behind the SAS adapter.
+TEST_F(Programs, TheEnclosuresOfTheExampleTakeItsImages) {
+    fs::path const package = fs::path(BINARIES) / "examples/enclosures";
+    simulator::Machine::create(place(), package / "machine.json");
+    reopen();
+    struct Row {
+        char const* unit;
+        char const* node;
+        Bytes address;
+        char const* image;
+        std::uint8_t mode;
+        std::size_t piece;  ///< bytes of a chunk, or the least of a batch of lines
+        char const* before;
+        char const* written;
+        char const* after;  ///< behind the activation and ten minutes
+    };
+    constexpr char SAS[] = "/dev/mpt2ctl:0";
+    for (Row const& row : {
+             Row{"left/internal",
+                 ONE,
+                 {16, 0, 0, 0, 0, 0, 0, 1},
+                 "encl01-1.20.rom",
+                 7,
+                 4096,
+                 "1.04 1.04 - ok",
+                 "1.20 1.20 1.04 ok",
+                 "1.20 1.20 1.04 ok"},
+             Row{"left/middle-b",
+                 ONE,
+                 {20, 0, 0, 0, 0, 0, 0, 1},
+                 "encl03-1.36.s19",
+                 14,
+                 11264,
+                 "1.30 1.30 - ok",
+                 "1.30 1.36 1.30 restart needed",
+                 "1.36 1.36 1.30 ok"},
+             Row{"right/tower-c",
+                 TWO,
+                 {18, 0, 0, 0, 0, 0, 0, 1},
+                 "encl16-3.00.rom",
+                 14,
+                 4096,
+                 "2.40 2.40 - ok",
+                 "2.40 3.00 2.40 restart needed",
+                 "3.00 3.00 2.40 ok"},
+             Row{"adapter/hba-d",
+                 SAS,
+                 {0x51, 0xE5, 0xC0, 0xA0, 0, 0, 1, 0x13},
+                 "encl12-0.40.rom",
+                 14,
+                 256,
+                 "0.30 0.30 - ok",
+                 "0.30 0.40 0.30 restart needed",
+                 "0.40 0.40 0.30 ok"},
+         }) {
+        Bytes const image = simulator::readWholeFile(package / row.image);
+        EXPECT_EQ(row.before, firmware(row.unit));
+        Command command;
+        command.carrier = row.node == SAS ? Carrier::Csmi : Carrier::PassThrough;
+        command.csmi = row.node == SAS ? 0xCC770018 : 0;
+        std::copy(row.address.begin(), row.address.end(), command.address.begin());
+        bool const text = image[0] == 'S';
+        for (std::size_t at = 0; at < image.size();) {
+            std::size_t end = std::min(at + row.piece, image.size());
+            while (text && end < image.size() && image[end - 1] != '\n')
+                ++end;
+            command.block = {0x3B, row.mode, 0, 0, 0, 0, 0, 0, 0, 0};
+            simulator::putBig(&command.block[3], 3, text || row.mode == 7 ? 0 : at);
+            simulator::putBig(&command.block[6], 3, end - at);
+            command.direction = Direction::Out;
+            command.bufferSize = end - at;
+            command.dataOut.assign(image.begin() + static_cast<std::ptrdiff_t>(at),
+                                   image.begin() + static_cast<std::ptrdiff_t>(end));
+            EXPECT_EQ("good", outcome(send(row.node, command))) << row.unit << " at " << at;
+            at = end;
+        }
+        EXPECT_EQ(row.written, firmware(row.unit));
+        if (row.mode == 14) {
+            command.block = {0x3B, 15, 0, 0, 0, 0, 0, 0, 0, 0};
+            command.direction = Direction::None;
+            command.bufferSize = 0;
+            command.dataOut.clear();
+            EXPECT_EQ("good", outcome(send(row.node, command)));
+        }
+        machine->sleep(600'000'000);
+        EXPECT_EQ(row.after, firmware(row.unit));
+    }
+    std::size_t processors = 0;
+    for (simulator::DeviceSummary const& each : machine->devices())
+        processors += each.kind == "enclosure_processor" ? 1 : 0;
+    EXPECT_EQ(20U, processors);
+}
+
 }  // namespace
 }  // namespace simulator_test
