@@ -114,8 +114,8 @@ TEST_P(SepModels, AreSentWhatTheyTake) {
 
 INSTANTIATE_TEST_SUITE_P(All, SepModels, ::testing::ValuesIn(MODELS));
 
-/// Holds the first thread of each batch in its first pause until all of its batch have begun, and for a
-/// moment more in which the next batch may show itself: how many had begun by then makes the batches seen.
+/// Holds the first thread of each batch in its first pause until all of its batch have begun: how many had
+/// begun by then makes the batches seen.
 class Batches {
   public:
     explicit Batches(std::vector<std::size_t> expected) : m_expected(std::move(expected)) {}
@@ -132,8 +132,7 @@ class Batches {
         std::unique_lock<std::mutex> lock(m_mutex);
         std::size_t const before =
             m_end - (m_seen.size() < m_expected.size() ? m_expected[m_seen.size()] : 0);
-        m_changed.wait_for(lock, std::chrono::seconds(20), [this] { return m_begun >= m_end; });
-        m_changed.wait_for(lock, std::chrono::milliseconds(20), [this] { return m_begun > m_end; });
+        m_changed.wait(lock, [this] { return m_begun >= m_end; });
         m_seen.push_back(m_begun - before);
     }
     std::vector<std::size_t> const& seen() const { return m_seen; }
