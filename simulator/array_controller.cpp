@@ -233,7 +233,11 @@ Reply ArrayController::senseBusParameters(Command const& command) {
 }
 
 Reply ArrayController::identifyPhysicalDevice(Command const& command) {
-    auto record = m_units.identify(physicalIndexOf(command), command.now);
+    // Behind the places on the buses of the oldest controllers, which this one doesn't have.
+    constexpr unsigned FIRST_INDEX = 128;
+    unsigned const place = physicalIndexOf(command);
+    if (place < FIRST_INDEX) return checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
+    auto record = m_units.identify(place - FIRST_INDEX, command.now);
     return record ? answer(std::move(*record)) : checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
 }
 
