@@ -13,7 +13,6 @@ constexpr std::uint64_t CHUNK_TIME = 5000;
 constexpr std::uint64_t FOREVER = ~std::uint64_t{0};
 
 constexpr std::uint8_t WHOLE_IMAGE = 5;
-constexpr std::uint8_t CHUNKS = 7;
 constexpr std::uint8_t DEFERRED = 14;
 constexpr std::uint8_t ACTIVATE = 15;
 

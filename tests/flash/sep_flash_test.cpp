@@ -1,5 +1,4 @@
-// The flash of enclosure processors: what each model is sent and waited for, one by one and behind an
-// adapter, and what becomes of failures and arguments.
+// The flash of enclosure processors: batches, order, and what becomes of failures and arguments.
 
 #include <chrono>
 #include <condition_variable>
@@ -13,106 +12,6 @@ namespace {
 constexpr char SUCCESS[] = "ATTR_VALUE_STATUS_SUCCESS";
 constexpr char FLASH_FAILED[] = "ATTR_VALUE_STATUS_DEVICE_FLASH_ERROR";
 constexpr char LIST[] = "ATTR_VALUE_STATUS_OPERATION_RETURN_LIST";
-
-/// Mode, number of commands, the third one's offset, the last one's length; for each run of one mode.
-std::string summary(FakeSep const& sep) {
-    std::string text;
-    auto const& written = sep.written;
-    for (std::size_t first = 0, last = 0; first < written.size(); first = last) {
-        while (last < written.size() && written[last].mode == written[first].mode)
-            ++last;
-        char group[64];
-        std::snprintf(group, sizeof group, "%s%02x x%zu @%06x -%06x", first == 0 ? "" : ", ",
-                      written[first].mode, last - first, last - first > 2 ? written[first + 2].offset : 0,
-                      written[last - 1].length);
-        text += group;
-    }
-    return text;
-}
-
-// What 16,000 bytes in 200 lines become.
-constexpr char MODE_7[] = "07 x4 @000000 -000e80";
-constexpr char CHUNKS[] = "0e x4 @002000 -000e80";
-constexpr char SMALL_CHUNKS[] = "0e x63 @000200 -000080";
-constexpr char LINES[] = "0e x2 @000000 -001270";  // lines 1 to 141, and the rest
-constexpr char NOTHING[] = "";
-constexpr char RESET[] = ", 0f x1 @000000 -000000";
-
-struct ModelRow {
-    char const* product;
-    char const* behindAdapter;
-    char const* alone;
-    bool isOnePerBox;
-    char const* waits;  ///< with a reset, behind an adapter; empty without one
-};
-
-constexpr ModelRow MODELS[] = {
-    {"ENCL 01 SEP     ", MODE_7, NOTHING, true, ""},
-    {"ENCL 02 SEP     ", CHUNKS, NOTHING, true, ""},
-    {"ENCL 03 SEP     ", LINES, LINES, false, "wait 135000 "},
-    {"ENCL 04 SEP     ", LINES, LINES, false, "wait 135000 "},
-    {"ENCL 05 SEP     ", CHUNKS, CHUNKS, true, "wait 135000 "},
-    {"ENCL 06 SEP     ", CHUNKS, CHUNKS, true, "wait 135000 "},
-    {"ENCL 07 SEP     ", LINES, LINES, true, "wait 255000 "},
-    {"ENCL 08 SEP     ", LINES, LINES, true, "wait 135000 "},
-    {"ENCL 09 SEP     ", LINES, LINES, true, "wait 135000 "},
-    {"ENCL 10 SEP     ", LINES, LINES, false, "wait 135000 "},
-    {"ENCL 11 SEP     ", LINES, LINES, false, "wait 375000 "},
-    {"ENCL 12 SEP     ", SMALL_CHUNKS, NOTHING, false, ""},
-    {"ENCL 13 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 14 SEP     ", CHUNKS, NOTHING, false, ""},
-    {"ENCL 15 SEP     ", CHUNKS, NOTHING, false, ""},
-    {"ENCL 16 SEP     ", CHUNKS, CHUNKS, false, "wait 2000 wait 135000 "},
-    {"ENCL 17 SEP     ", CHUNKS, CHUNKS, false, "wait 2000 wait 135000 "},
-    {"ENCL 18 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 19 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 20 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 21 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 22 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 23 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 24 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 25 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 26 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 27 SEP     ", CHUNKS, CHUNKS, false, "wait 2000 wait 135000 "},
-    {"ENCL 28 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 29 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 30 SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-    {"ENCL 31 SEP     ", CHUNKS, CHUNKS, false, "wait 2000 wait 135000 "},
-    {"GENERIC SEP     ", CHUNKS, CHUNKS, false, "wait 135000 "},
-};
-
-class SepModels : public SepTest, public ::testing::WithParamInterface<ModelRow> {
-  protected:
-    std::string waits() const {
-        std::string text;
-        for (std::string const& event : Events::all())
-            text += event.rfind("wait", 0) == 0 ? event + " " : "";
-        return text;
-    }
-};
-
-TEST_P(SepModels, AreSentWhatTheyTake) {
-    ModelRow const& row = GetParam();
-    bool const isReset = *row.waits != '\0';
-    addSeps(2, row.product);
-    auto result = run(*controller, {{"ATTR_NAME_PRODUCT_ID", row.product},
-                                    {"ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE", "0"},
-                                    {"ATTR_NAME_RESET_SEP", "ATTR_VALUE_RESET_SEP_TRUE"}});
-    EXPECT_EQ(SUCCESS, status(result));
-    std::string const all = std::string(row.behindAdapter) + (isReset ? RESET : "");
-    EXPECT_EQ(all, summary(*seps[0]));
-    EXPECT_EQ(row.isOnePerBox ? "" : all, summary(*seps[1]));
-    EXPECT_EQ(row.waits, waits());
-
-    Events::all().clear();
-    seps[0]->written.clear();
-    result = run(*seps[0], {{"ATTR_NAME_RESET_SEP", "ATTR_VALUE_RESET_SEP_TRUE"}});
-    EXPECT_EQ(SUCCESS, status(result));
-    EXPECT_EQ(std::string(row.alone) + (*row.alone != '\0' ? RESET : ""), summary(*seps[0]));
-    EXPECT_EQ(*row.alone != '\0' ? "wait 135000 " : "", waits());
-}
-
-INSTANTIATE_TEST_SUITE_P(All, SepModels, ::testing::ValuesIn(MODELS));
 
 /// Holds the first thread of each batch in its first pause until all of its batch have begun: how many had
 /// begun by then makes the batches seen.

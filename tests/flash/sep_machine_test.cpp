@@ -1,0 +1,277 @@
+// Flashes of enclosure processors in the machine room, which judges what each model is sent and keeps the
+// time.
+
+#include <algorithm>
+#include <cmath>
+
+#include "simulator/s_record.h"
+#include "tests/flash/flash_fixture.h"
+
+namespace flash_test {
+namespace {
+
+constexpr char SUCCESS[] = "ATTR_VALUE_STATUS_SUCCESS";
+constexpr char FLASH_ERROR[] = "ATTR_VALUE_STATUS_DEVICE_FLASH_ERROR";
+constexpr std::size_t IMAGE_SIZE = 16000;
+constexpr unsigned SEPS_PER_BOX = 10;
+
+// What an image of 16,000 bytes becomes: mode, number of commands, the third one's offset, the last one's
+// length. As S-records it is 500 lines of 80 bytes behind one of 44 and before one of 16: 141 of them close a
+// batch.
+constexpr char MODE_7[] = "07 x4 @000000 -000e80";
+constexpr char CHUNKS[] = "0e x4 @002000 -000e80";
+constexpr char SMALL_CHUNKS[] = "0e x63 @000200 -000080";
+constexpr char S_RECORDS[] = "0e x4 @000000 -001820";
+constexpr char NOTHING[] = "";
+constexpr char RESET[] = ", 0f x1 @000000 -000000";
+
+struct ModelRow {
+    char const* product;
+    char const* behindAdapter;
+    char const* alone;
+    bool isOnePerBox;
+    char const* waits;  ///< with a reset, behind an adapter; empty without one
+};
+
+constexpr ModelRow MODELS[] = {
+    {"ENCL 01 SEP", MODE_7, NOTHING, true, ""},
+    {"ENCL 02 SEP", CHUNKS, NOTHING, true, ""},
+    {"ENCL 03 SEP", S_RECORDS, S_RECORDS, false, "wait 135000"},
+    {"ENCL 04 SEP", S_RECORDS, S_RECORDS, false, "wait 135000"},
+    {"ENCL 05 SEP", CHUNKS, CHUNKS, true, "wait 135000"},
+    {"ENCL 06 SEP", CHUNKS, CHUNKS, true, "wait 135000"},
+    {"ENCL 07 SEP", S_RECORDS, S_RECORDS, true, "wait 255000"},
+    {"ENCL 08 SEP", S_RECORDS, S_RECORDS, true, "wait 135000"},
+    {"ENCL 09 SEP", S_RECORDS, S_RECORDS, true, "wait 135000"},
+    {"ENCL 10 SEP", S_RECORDS, S_RECORDS, false, "wait 135000"},
+    {"ENCL 11 SEP", S_RECORDS, S_RECORDS, false, "wait 375000"},
+    {"ENCL 12 SEP", SMALL_CHUNKS, NOTHING, false, ""},
+    {"ENCL 13 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 14 SEP", CHUNKS, NOTHING, false, ""},
+    {"ENCL 15 SEP", CHUNKS, NOTHING, false, ""},
+    {"ENCL 16 SEP", CHUNKS, CHUNKS, false, "wait 2000, wait 135000"},
+    {"ENCL 17 SEP", CHUNKS, CHUNKS, false, "wait 2000, wait 135000"},
+    {"ENCL 18 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 19 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 20 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 21 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 22 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 23 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 24 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 25 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 26 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 27 SEP", CHUNKS, CHUNKS, false, "wait 2000, wait 135000"},
+    {"ENCL 28 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 29 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 30 SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+    {"ENCL 31 SEP", CHUNKS, CHUNKS, false, "wait 2000, wait 135000"},
+    {"GENERIC SEP", CHUNKS, CHUNKS, false, "wait 135000"},
+};
+
+class SepMachineTest : public FlashTest {
+  protected:
+    SepMachineTest() {
+        Core::Device::RegisterOperation("ATTR_VALUE_TYPE_ARRAY_CONTROLLER",
+                                        "OPERATION_DISCOVER_STORAGE_ENCLOSURES");
+        Core::Device::RegisterOperation("ATTR_VALUE_TYPE_STORAGE_ENCLOSURE", "OPERATION_DISCOVER_SEPS");
+        for (char const* type : {"ATTR_VALUE_TYPE_ARRAY_CONTROLLER", "ATTR_VALUE_TYPE_SEP"})
+            Core::Device::RegisterOperation(type, "OPERATION_WRITE_FLASH_SEP_FIRMWARE");
+    }
+
+    /// Boxes with processors "sep1", "sep2", ... whose firmware is 2.00, and an image of 2.10 for them.
+    void start(std::string const& product, unsigned count, json const& more = json::object()) {
+        json boxes = json::array();
+        for (unsigned i = 1; i <= count; ++i) {
+            if (i % SEPS_PER_BOX == 1) {
+                unsigned const target = i / SEPS_PER_BOX;
+                boxes.push_back({{"bus", 8},
+                                 {"target", target},
+                                 {"bays", 12},
+                                 {"number", target + 1},
+                                 {"serial", "BOX" + std::to_string(target)},
+                                 {"seps", json::array()}});
+            }
+            json sep = {{"name", "sep" + std::to_string(i)},
+                        {"index", 40 + i},
+                        {"product", product},
+                        {"revision", "2.00"}};
+            sep.merge_patch(more);
+            boxes.back()["seps"].push_back(sep);
+        }
+        discover(oneController({{"boxes", boxes}}));
+        image = simulator::makeImage(product, "2.10", IMAGE_SIZE, 7);
+    }
+    void makeSRecords() {
+        std::string const text = simulator::makeSRecords(image, "an enclosure");
+        image.assign(text.begin(), text.end());
+    }
+    Core::Device& sep() const {
+        Core::Device& enclosure = **only().beginChild();
+        return **enclosure.beginChild();
+    }
+    Core::OperationReturn flash(Core::Device& device, Arguments arguments) {
+        m_before = journalSize();
+        OperationPointer const operation = device.getOperation("OPERATION_WRITE_FLASH_SEP_FIRMWARE");
+        if (!operation) return Core::OperationReturn("(not available)");
+        arguments.emplace_back("ATTR_NAME_BUFFER_ADDRESS",
+                               std::to_string(reinterpret_cast<std::uintptr_t>(image.data())));
+        arguments.emplace_back("ATTR_NAME_BUFFER_SIZE", std::to_string(image.size()));
+        arguments.emplace_back("ATTR_NAME_RESET_SEP", "ATTR_VALUE_RESET_SEP_TRUE");
+        for (auto const& [name, value] : arguments)
+            operation->SetArgument(Core::DeviceOperation::eSET, name, value.c_str());
+        Core::OperationReturn const result = device.perform(operation);
+        auto const journal = machine->journal();
+        entries.assign(journal.begin() + static_cast<std::ptrdiff_t>(m_before), journal.end());
+        for (auto const& entry : entries)
+            EXPECT_TRUE(entry.errors.empty()) << entry.command << ": " << entry.errors.front();
+        return result;
+    }
+    static bool isWrite(simulator::JournalEntry const& entry) {
+        return entry.event == "exchange" && !entry.unit.empty() && entry.block[0] == 0x3B;
+    }
+    /// Of the last flash: each run of WRITE BUFFER of one mode to a processor.
+    std::string written(std::string const& name) const {
+        std::vector<Bytes> blocks;
+        for (auto const& entry : entries)
+            if (isWrite(entry) && entry.unit == name) blocks.push_back(entry.block);
+        std::string text;
+        for (std::size_t first = 0, last = 0; first < blocks.size(); first = last) {
+            while (last < blocks.size() && blocks[last][1] == blocks[first][1])
+                ++last;
+            char group[64];
+            std::snprintf(group, sizeof group, "%s%02x x%zu @%06x -%06x", first == 0 ? "" : ", ",
+                          blocks[first][1], last - first, last - first > 2 ? number(blocks[first + 2], 3) : 0,
+                          number(blocks[last - 1], 6));
+            text += group;
+        }
+        return text;
+    }
+    /// Waits of a second and more.
+    std::string waits() const {
+        std::string text;
+        for (auto const& entry : entries) {
+            if (entry.event != "sleep" || std::stod(entry.text) < 1) continue;
+            text += (text.empty() ? "wait " : ", wait ") +
+                    std::to_string(std::lround(std::stod(entry.text) * 1000));
+        }
+        return text;
+    }
+    std::size_t count(std::uint8_t opcode, std::uint8_t management = 0) const {
+        std::size_t found = 0;
+        for (auto const& entry : entries)
+            if (entry.event == "exchange" && !entry.block.empty() && entry.block[0] == opcode &&
+                (management == 0 || entry.block[6] == management))
+                ++found;
+        return found;
+    }
+    std::string running(std::string const& name) const {
+        for (auto const& row : machine->devices())
+            if (row.name == "one/" + name) return row.running;
+        return "";
+    }
+
+    Bytes image;
+    std::vector<simulator::JournalEntry> entries;  ///< of the last flash
+
+  private:
+    static unsigned number(Bytes const& block, std::size_t at) {
+        return static_cast<unsigned>(block[at] << 16 | block[at + 1] << 8 | block[at + 2]);
+    }
+
+    std::size_t m_before = 0;
+};
+
+class SepModels : public SepMachineTest, public ::testing::WithParamInterface<ModelRow> {};
+
+TEST_P(SepModels, TakeWhatTheyAreSent) {
+    ModelRow const& row = GetParam();
+    bool const isReset = *row.waits != '\0';
+    std::string const reset = isReset ? RESET : "";
+    start(row.product, 2);
+    if (row.behindAdapter == S_RECORDS) makeSRecords();
+    auto result = flash(only(), {{"ATTR_NAME_PRODUCT_ID", std::string(row.product) + "     "},
+                                 {"ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE", "0"}});
+    EXPECT_EQ(SUCCESS, status(result));
+    EXPECT_EQ(row.behindAdapter + reset, written("sep1"));
+    EXPECT_EQ(row.isOnePerBox ? "" : row.behindAdapter + reset, written("sep2"));
+    EXPECT_EQ(row.waits, waits());
+    EXPECT_EQ(isReset ? 1U : 0U, count(2)) << "scans";
+    EXPECT_EQ(1U, count(0x27, 0x98)) << "pauses";
+    EXPECT_EQ(1U, count(0x27, 0x99)) << "resumes";
+    // Those without a reset of their own, but for the one that runs what it gets, wait for the power.
+    EXPECT_EQ(isReset || row.behindAdapter == MODE_7 ? "2.10" : "2.00", running("sep1"));
+
+    // The other form waits for the same time whatever the model. Two take longer: one isn't there yet; the
+    // other has a neighbour at its port and box, which is taken for it.
+    result = flash(sep(), {});
+    bool const isLate = std::string(row.product) == "ENCL 07 SEP";
+    EXPECT_EQ(isLate ? FLASH_ERROR : SUCCESS, status(result));
+    EXPECT_EQ(isLate ? "2147483648" : ABSENT, attribute(result, "ATTR_NAME_ADDITIONAL_STATUS"));
+    EXPECT_EQ(*row.alone != '\0' ? row.alone + reset : "", written("sep1"));
+    EXPECT_EQ("", written("sep2"));
+    EXPECT_EQ(*row.alone != '\0' ? "wait 135000" : "", waits());
+    EXPECT_EQ(0U, count(2)) << "scans";
+}
+
+INSTANTIATE_TEST_SUITE_P(All, SepModels, ::testing::ValuesIn(MODELS));
+
+/// When an object's part of a flash began and ended, in virtual milliseconds.
+struct Span {
+    std::uint64_t first;
+    std::uint64_t last;
+};
+
+TEST_F(SepMachineTest, TwentyGoInThreeBatchesInTheTimeOfThreeAndPayOneReset) {
+    constexpr unsigned SEPS = 20;
+    auto const spans = [this] {
+        std::vector<std::pair<std::string, Span>> found;
+        for (auto const& entry : entries) {
+            if (!isWrite(entry) || entry.block[1] != 14) continue;
+            auto at = std::find_if(found.begin(), found.end(),
+                                   [&](auto const& each) { return each.first == entry.unit; });
+            if (at == found.end()) at = found.insert(at, {entry.unit, {entry.microseconds, 0}});
+            at->second.last = entry.microseconds;
+        }
+        return found;
+    };
+    start("ENCL 16 SEP", 1, {{"needs_scan", true}});
+    EXPECT_EQ(SUCCESS, status(flash(only(), {{"ATTR_NAME_PRODUCT_ID", "ENCL 16 SEP     "}})));
+    std::uint64_t const alone = spans().front().second.last - spans().front().second.first;
+    EXPECT_EQ(165000U, alone) << "three chunks of 5 and three pauses of 50 milliseconds before the last";
+
+    start("ENCL 16 SEP", SEPS, {{"needs_scan", true}});
+    EXPECT_EQ(SUCCESS, status(flash(only(), {{"ATTR_NAME_PRODUCT_ID", "ENCL 16 SEP     "}})));
+    auto const all = spans();
+    ASSERT_EQ(SEPS, all.size());
+    std::size_t first = 0;
+    for (std::size_t const size : {8U, 8U, 4U}) {
+        std::uint64_t begin = ~std::uint64_t{0};
+        std::uint64_t end = 0;
+        for (std::size_t i = first; i < first + size; ++i) {
+            begin = std::min(begin, all[i].second.first);
+            end = std::max(end, all[i].second.last);
+        }
+        EXPECT_LE(end - begin, (alone + 55000) * 12 / 10) << "the batch from " << first << " on";
+        first += size;
+        if (first < SEPS) {
+            EXPECT_LE(end, all[first].second.first) << "batches don't overlap";
+        }
+    }
+    EXPECT_EQ("wait 2000, wait 135000", waits());
+    EXPECT_EQ(1U, count(2)) << "scans";
+    for (unsigned i = 1; i <= SEPS; ++i)
+        EXPECT_EQ("2.10", running("sep" + std::to_string(i)));
+
+    start("ENCL 16 SEP", SEPS, {{"needs_scan", true}});
+    EXPECT_EQ(SUCCESS, status(flash(only(), {{"ATTR_NAME_PRODUCT_ID", "ENCL 16 SEP     "},
+                                             {"ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE", "8"},
+                                             {"ATTR_NAME_FLASH_TYPE", "ATTR_VALUE_FLASH_TYPE_SERIAL"}})));
+    std::string each = "wait 2000, wait 135000";
+    for (unsigned i = 1; i < SEPS; ++i)
+        each += ", wait 2000, wait 135000";
+    EXPECT_EQ(each, waits()) << "one after the other pays for each";
+    EXPECT_EQ(SEPS, count(2)) << "scans";
+}
+
+}  // namespace
+}  // namespace flash_test
