@@ -235,7 +235,11 @@ Reply ArrayController::senseBusParameters(Command const& command) {
 }
 
 Reply ArrayController::identifyPhysicalDevice(Command const& command) {
-    auto record = m_units.identify(physicalIndexOf(command), command.now);
+    // Below 128 are places on the buses of the oldest controllers, which have maps of 32 devices.
+    unsigned const first = m_units.limit() > 32 ? 128 : 0;
+    unsigned const place = physicalIndexOf(command);
+    if (place < first) return checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
+    auto record = m_units.identify(place - first, command.now);
     return record ? answer(std::move(*record)) : checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
 }
 

@@ -11,7 +11,6 @@ namespace {
 
 constexpr unsigned MOST_DEVICES = 4096;
 constexpr unsigned FIXED_MAP = 128;
-constexpr unsigned SMALL_MAP = 32;
 constexpr std::size_t RECORD = 512;  ///< before the extended maps
 
 // bDeviceType of the identify record, by DriveInterface.
@@ -82,7 +81,7 @@ void ControllerUnits::findLimit(Object const& device) {
             m_limit = static_cast<unsigned>(told->number(0xFFFF));
 }
 
-/// Boxes tell which drives are in them. Also refuses indices that two devices have, or would be asked for by.
+/// Boxes tell which drives are in them. Also refuses an index that two devices have.
 void ControllerUnits::placeInBoxes() {
     for (std::size_t box = 0; box < m_boxes.all().size(); ++box)
         for (unsigned const number : m_boxes.all()[box].drives)
@@ -101,15 +100,11 @@ void ControllerUnits::placeInBoxes() {
         twice = std::to_string(*found);
     for (Unit const& unit : m_units) {
         if (unit.isVolume || unit.inMaps || mapped.empty()) continue;
-        unsigned const index = unit.index();
-        bool const asked = m_limit > SMALL_MAP && index >= FIXED_MAP && has(index - FIXED_MAP);
-        if (has(index) || asked) twice = std::to_string(index);
+        if (has(unit.index())) twice = std::to_string(unit.index());
     }
     if (!twice.empty())
-        throw ScenarioError(
-            "device " + m_place.device + ": found the index " + twice +
-            " a second time, expected drives and tapes to have indices of their own; each also "
-            "has its own plus 128");
+        throw ScenarioError("device " + m_place.device + ": found the index " + twice +
+                            " a second time, expected drives and tapes to have indices of their own");
 }
 
 void ControllerUnits::markMaps(Filler& identify, Bytes& extended) const {

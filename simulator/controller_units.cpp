@@ -38,7 +38,7 @@ ControllerUnits::ControllerUnits(Object const& device, TargetPlace const& place)
     joinTargets(targets(), device.where());
     for (Unit const& unit : m_units) {  // refuses bad members of the scenario now
         if (unit.isVolume || (unit.identify.json.empty() && unit.specialInquiry.json.empty())) continue;
-        identify(unit.index() + (unit.inMaps ? 128 : 0), 0);
+        identify(unit.index(), 0);
         specialInquiry(unit.index(), 0);
     }
 }
@@ -193,11 +193,8 @@ ControllerUnits::Unit const* ControllerUnits::findIndex(unsigned index, std::uin
 }
 
 std::optional<Bytes> ControllerUnits::identify(unsigned index, std::uint64_t now) const {
-    // Below 128 an index names a place by bus and target where the maps have more than 32 devices.
-    unsigned const first = m_limit > 32 ? 128 : 0;
-    Unit const* unit = index >= first ? findIndex(index - first, now) : nullptr;
-    if (unit == nullptr || !unit->inMaps) unit = findIndex(index, now);
-    if (unit == nullptr || (unit->inMaps && unit->index() + first != index)) return std::nullopt;
+    Unit const* const unit = findIndex(index, now);
+    if (unit == nullptr) return std::nullopt;
     InquiryIdentity const& identity = unit->identity();
     Filler record(PHYSICAL_DEVICE);
     record.blankTexts()

@@ -28,7 +28,6 @@ class ControllerUnits {
     std::vector<ScsiTarget*> targets() const;
     /// IDENTIFY PHYSICAL DRIVE and PASS THROUGH SPECIAL INQUIRY of an index; nothing when no device that is
     /// present has it.
-    /// A drive or tape of the maps is identified by its number plus 128, but by controllers with maps of 32.
     std::optional<Bytes> identify(unsigned index, std::uint64_t now) const;
     std::optional<Bytes> specialInquiry(unsigned index, std::uint64_t now) const;
 
