@@ -309,11 +309,7 @@ std::unique_ptr<ScsiTarget> makeEnclosureProcessor(InquiryIdentity identity, Obj
     // Without an address of its own it goes by its index.
     std::string const fallback =
         place.worldWideName == 0 ? std::to_string(object.numberOr("index", 0, 0xFFFF)) : toHex(name);
-    setup.name = object.textOr("name", "sep-" + fallback, 64);
-    if (setup.name.empty() ||
-        setup.name.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-") !=
-            std::string::npos)
-        object.at("name").refuse("a name of letters, digits, '.', '_' and '-'");
+    setup.name = readTargetName(object, "sep-" + fallback);
     if (identity.revision.empty()) object.at("revision").refuse("a version that isn't empty");
     setup.stored = object.textOr("stored_revision", "", 4);
     setup.neverReturns = object.booleanOr("never_returns", false);
