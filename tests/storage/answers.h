@@ -110,6 +110,7 @@ class Answers : public Core::SysMod::SystemCalls {
         auto const found = management.find(keyOf(block));
         if (found != management.end()) {
             reply.data = found->second;
+            if (reply.data.size() < command.room()) reply.commandStatus = 2;  // underrun
             return true;
         }
         reply.commandStatus = 4;  // invalid command
