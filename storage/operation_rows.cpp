@@ -5,6 +5,7 @@
 #include "storage/operations/discover_controllers.h"
 #include "storage/operations/discover_drive_cage.h"
 #include "storage/operations/discover_expander.h"
+#include "storage/operations/discover_non_vaultline_physical_drive.h"
 #include "storage/operations/discover_phy.h"
 #include "storage/operations/discover_physical_drive.h"
 #include "storage/operations/discover_sep.h"
@@ -12,6 +13,7 @@
 #include "storage/operations/read_array_controller_bootable_status.h"
 #include "storage/operations/read_array_controller_info.h"
 #include "storage/operations/read_physical_drive_info.h"
+#include "storage/operations/read_ssd_info.h"
 #include "storage/operations/write_allowed_controller_discovery.h"
 #include "storage/operations/write_cache_settings.h"
 #include "storage/operations/write_set_capability_mask.h"
@@ -91,7 +93,7 @@ constexpr Core::OperationRow OPERATIONS[] = {
 
     on<Schema::PhysicalDrive>(OPERATION_READ_PHYSICAL_DRIVE_INFO,
                               creatorOf<Operations::ReadPhysicalDriveInfo>),
-    on<Schema::PhysicalDrive>(OPERATION_READ_EXTENDED_INFO),
+    on<Schema::PhysicalDrive>(OPERATION_READ_EXTENDED_INFO, creatorOf<Operations::ReadSSDInfo>),
     on<Schema::PhysicalDrive>(OPERATION_READ_SCSI_COMMAND, creatorOf<Operations::ReadSCSICommand>),
     on<Schema::PhysicalDrive>(OPERATION_WRITE_SCSI_COMMAND, creatorOf<Operations::WriteSCSICommand>),
     on<Schema::PhysicalDrive>(OPERATION_DISCOVER_PHYS, creatorOf<Operations::DiscoverPhy>),
@@ -99,7 +101,7 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::PhysicalDrive>(OPERATION_WRITE_DEVICE_BLINK),
     on<Schema::PhysicalDrive>(OPERATION_SEND_ATA_COMMAND, creatorOf<Operations::SendATACommand>),
 
-    on<Schema::NonVaultlinePhysicalDrive>(OPERATION_READ_EXTENDED_INFO),
+    on<Schema::NonVaultlinePhysicalDrive>(OPERATION_READ_EXTENDED_INFO, creatorOf<Operations::ReadSSDInfo>),
     on<Schema::NonVaultlinePhysicalDrive>(OPERATION_SEND_ATA_COMMAND, creatorOf<Operations::SendATACommand>),
     on<Schema::NonVaultlinePhysicalDrive>(OPERATION_WRITE_SCSI_COMMAND,
                                           creatorOf<Operations::WriteSCSICommand>),
@@ -111,12 +113,14 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::StorageEnclosure>(OPERATION_DISCOVER_DRIVE_CAGES, creatorOf<Operations::DiscoverDriveCage>),
     on<Schema::StorageEnclosure>(OPERATION_DISCOVER_EXPANDERS, creatorOf<Operations::DiscoverExpander>),
     on<Schema::StorageEnclosure>(OPERATION_DISCOVER_SEPS, creatorOf<Operations::DiscoverSEP>),
-    on<Schema::StorageEnclosure>(OPERATION_DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES),
+    on<Schema::StorageEnclosure>(OPERATION_DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES,
+                                 creatorOf<Operations::DiscoverNonVaultlinePhysicalDrive>),
     on<Schema::StorageEnclosure>(OPERATION_WRITE_DEVICE_BLINK),
 
     on<Schema::HostBusAdapter>(OPERATION_DISCOVER_STORAGE_ENCLOSURES,
                                creatorOf<Operations::DiscoverStorageEnclosure>),
-    on<Schema::HostBusAdapter>(OPERATION_DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES),
+    on<Schema::HostBusAdapter>(OPERATION_DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES,
+                               creatorOf<Operations::DiscoverNonVaultlinePhysicalDrive>),
     on<Schema::HostBusAdapter>(OPERATION_DISCOVER_STORAGE_VOLUMES),
 
     on<Schema::StorageVolume>(OPERATION_ASSOCIATION_STORAGE_VOLUME_DEVICE),

@@ -29,8 +29,10 @@ class Answers : public Core::SysMod::SystemCalls {
     Answers& operator=(Answers const&) = delete;
 
     std::map<Key, Bytes> management;  ///< what has none of these fails, of the codes of DEVICE_COMMANDS
-    std::map<unsigned, std::map<unsigned, Bytes>> scsi;  ///< by first byte of the address and operation
-    ///< code; 0x107 is the element descriptor page
+    /// By first byte of the address and operation code; 0x107 is the element descriptor page, 0x4D00 and more
+    /// are log pages (with the parameter asked for, 0x10000 each), 0x850000 and more ATA logs with their
+    /// pages.
+    std::map<unsigned, std::map<unsigned, Bytes>> scsi;
     Bytes units;  ///< entries of the list of physical devices
 
     void addUnit(unsigned index, unsigned type, unsigned mode = 0x40) {
@@ -83,12 +85,19 @@ class Answers : public Core::SysMod::SystemCalls {
         return {code, block[2], block[9]};
     }
 
+    static unsigned operationOf(Bytes const& block) {
+        if (block[0] == 0x1C && block[2] == 7) return 0x107;
+        if (block[0] == 0x4D) return 0x4D00U | block[2] | block[6] << 16;
+        if (block[0] == 0x85) return 0x850000U | block[8] << 8 | block[10];
+        return block[0];
+    }
+
     bool answer(simulator::Command const& command, simulator::Reply& reply) const {
         auto const& block = command.block;
         if (block.empty()) return false;
         if (command.address != std::array<std::uint8_t, 8>{}) {
             auto const unit = scsi.find(command.address[0]);
-            unsigned const operation = block[0] == 0x1C && block[2] == 7 ? 0x107U : block[0];
+            unsigned const operation = operationOf(block);
             if (unit == scsi.end() || unit->second.count(operation) == 0) {
                 reply.scsiStatus = 2;
                 reply.commandStatus = 1;
