@@ -84,20 +84,22 @@ std::string formProblem(ArrayController::Management const& row, Command const& c
 }  // namespace
 
 ArrayController::ArrayController(DeviceFrame frame, Setup setup, ControllerFirmware firmware,
-                                 ControllerRecords records, CollectBuffer collected, ControllerUnits units)
+                                 ControllerRecords records, CollectBuffer collected, ControllerUnits units,
+                                 ControllerParts parts)
     : Device(std::move(frame)),
       m_setup(std::move(setup)),
       m_firmware(std::move(firmware)),
       m_records(std::move(records)),
       m_collected(std::move(collected)),
-      m_units(std::move(units)) {}
+      m_units(std::move(units)),
+      m_parts(std::move(parts)) {}
 
 std::string ArrayController::commandName(Command const& command) const {
     if (command.block.empty()) return "unknown";
     if (command.message)
         return command.block[0] == MESSAGE_SCAN ? "MESSAGE SCAN" : "MESSAGE " + hexByte(command.block[0]);
     if (isManagement(command)) {
-        Management const* row = findManagement(command.block[6]);
+        Management const* row = findManagement(command.block);
         return row != nullptr ? row->name : "BMIC " + hexByte(command.block[6]);
     }
     return scsiName(command.block[0]);
@@ -138,7 +140,7 @@ ScsiTarget* ArrayController::targetOf(Command const& command) const {
 }
 
 Reply ArrayController::manage(Command const& command) {
-    Management const* row = findManagement(command.block[6]);
+    Management const* row = findManagement(command.block);
     if (row == nullptr || row->run == nullptr) return checkCondition(5, ASC_INVALID_OPERATION_CODE);
     std::string const problem = formProblem(*row, command);
     if (!problem.empty()) return protocolError(ASC_INVALID_FIELD_IN_COMMAND_BLOCK, problem);
@@ -174,7 +176,7 @@ ControllerRecords::FirmwareVersions ArrayController::versions() const {
 }
 
 Reply ArrayController::identifyController(Command const&) {
-    return answer(m_records.identifyController(versions(), m_units.boxes()));
+    return answer(m_records.identifyController(versions(), &m_units));
 }
 Reply ArrayController::senseSubsystem(Command const&) {
     return answer(m_records.subsystem());
@@ -199,7 +201,7 @@ Reply ArrayController::powerMode(Command const&) {
 }
 
 Reply ArrayController::senseLogicalDriveConfiguration(Command const& command) {
-    return answer(m_records.logicalDriveConfiguration(unitOf(command)));
+    return answer(m_records.logicalDriveConfiguration(unitOf(command), &m_units));
 }
 
 Reply ArrayController::identifyLogicalDrive(Command const& command) {
@@ -208,7 +210,7 @@ Reply ArrayController::identifyLogicalDrive(Command const& command) {
 
 Reply ArrayController::senseCacheConfiguration(Command const& command) {
     if (command.block[1] > 1) return checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
-    return answer(m_records.cacheConfiguration(command.block[1]));
+    return answer(m_records.cacheConfiguration(command.block[1], m_parts.cacheVersion()));
 }
 
 Reply ArrayController::senseEncryption(Command const& command) {
@@ -228,12 +230,16 @@ Reply ArrayController::senseDeferredUpdate(Command const& command) {
 
 Reply ArrayController::senseBusParameters(Command const& command) {
     // Byte 2: the bus; byte 3: the box's target number on it.
-    auto record = m_units.boxes().busParameters(command.block[2], command.block[3]);
+    auto record = m_units.boxes().busParameters(command.block[2], command.block[3], m_units.limit());
     return record ? answer(std::move(*record)) : checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
 }
 
 Reply ArrayController::identifyPhysicalDevice(Command const& command) {
-    auto record = m_units.identify(physicalIndexOf(command), command.now);
+    // Below 128 are places on the buses of the oldest controllers, which have maps of 32 devices.
+    unsigned const first = m_units.limit() > 32 ? 128 : 0;
+    unsigned const place = physicalIndexOf(command);
+    if (place < first) return checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
+    auto record = m_units.identify(place - first, command.now);
     return record ? answer(std::move(*record)) : checkCondition(5, ASC_INVALID_FIELD_IN_COMMAND_BLOCK);
 }
 
@@ -257,12 +263,14 @@ void ArrayController::restart(std::vector<std::string>& events) {
 nlohmann::json ArrayController::saveState() const {
     nlohmann::json state = m_firmware.save();
     state["paused"] = m_paused;
+    state["parts"] = m_parts.save();
     return state;
 }
 
 void ArrayController::loadState(nlohmann::json const& state) {
     m_firmware.load(state);
     m_paused = state.at("paused").get<bool>();
+    m_parts.load(state.at("parts"));
 }
 
 void ArrayController::summarise(DeviceSummary& row) {

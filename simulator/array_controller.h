@@ -2,6 +2,7 @@
 
 #include "simulator/collect_buffer.h"
 #include "simulator/controller_firmware.h"
+#include "simulator/controller_parts.h"
 #include "simulator/controller_records.h"
 #include "simulator/controller_units.h"
 #include "simulator/device.h"
@@ -23,7 +24,7 @@ class ArrayController : public Device {
     };
 
     ArrayController(DeviceFrame frame, Setup setup, ControllerFirmware firmware, ControllerRecords records,
-                    CollectBuffer collected, ControllerUnits units);
+                    CollectBuffer collected, ControllerUnits units, ControllerParts parts);
 
     bool answers(Request request) const override {
         return request != Request::Unknown && request != Request::Csmi;
@@ -38,6 +39,7 @@ class ArrayController : public Device {
     void loadState(nlohmann::json const& state) override;
     void summarise(DeviceSummary& row) override;
     Bytes romImage(Rom rom) override { return m_firmware.contents(rom); }
+    std::vector<FirmwarePart> parts() const override { return m_parts.parts(); }
     std::vector<ScsiTarget*> targets() const override { return m_units.targets(); }
     ScsiTarget* targetOf(Command const& command) const override;
 
@@ -50,7 +52,8 @@ class ArrayController : public Device {
         std::uint64_t microseconds;
         Reply (ArrayController::*run)(Command const&);
     };
-    static Management const* findManagement(std::uint8_t code);
+    /// A code may have a row for each direction: `block` is the whole command block, of 7 bytes at least.
+    static Management const* findManagement(Bytes const& block);
 
     Reply identifyController(Command const&);
     Reply senseSubsystem(Command const&);
@@ -68,6 +71,11 @@ class ArrayController : public Device {
     Reply senseBusParameters(Command const& command);
     Reply identifyPhysicalDevice(Command const& command);
     Reply specialInquiry(Command const& command);
+    Reply senseMnpStatistics(Command const& command);
+    Reply senseEraseProgress(Command const&);
+    Reply flashComponent(Command const& command);
+    Reply readNvram(Command const& command);
+    Reply writeNvram(Command const& command);
     Reply pause(Command const& command);
     Reply resume(Command const& command);
     Reply freeCollected(Command const&);
@@ -87,6 +95,7 @@ class ArrayController : public Device {
     ControllerRecords m_records;
     CollectBuffer m_collected;
     ControllerUnits m_units;
+    ControllerParts m_parts;
     bool m_paused = false;
 };
 

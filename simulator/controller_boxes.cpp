@@ -9,6 +9,9 @@ namespace {
 constexpr unsigned BUSES = 16;
 constexpr unsigned INTERNAL_BUSES = 8;
 constexpr std::size_t MOST_PATHS = 8;
+constexpr unsigned MOST_DRIVES = 4096;
+constexpr unsigned FIXED_MAP = 128;
+constexpr std::size_t RECORD = 1024;
 constexpr std::size_t MOST_LISTED = 16;  ///< places for processors' and expanders' numbers
 
 ControllerBoxes::Path readPath(Object const& object, unsigned number) {
@@ -46,7 +49,7 @@ ControllerBoxes::Box ControllerBoxes::readBox(Object const& object) {
     box.serial = object.textOr("serial", "", 40);
     if (auto const drives = object.find("drives"))
         for (Value const& drive : drives->list())
-            box.drives.push_back(static_cast<unsigned>(drive.number(127)));
+            box.drives.push_back(static_cast<unsigned>(drive.number(MOST_DRIVES - 1)));
     box.overrides = readOverride(object, "bus_parameters");
     return box;
 }
@@ -86,7 +89,7 @@ void ControllerBoxes::putPaths(Filler& record, Box const& box) {
     }
 }
 
-std::optional<Bytes> ControllerBoxes::busParameters(unsigned bus, unsigned target) const {
+std::optional<Bytes> ControllerBoxes::busParameters(unsigned bus, unsigned target, unsigned limit) const {
     Box const* const found = find(bus, target);
     if (found == nullptr) return std::nullopt;
     Box const& box = *found;
@@ -103,8 +106,8 @@ std::optional<Bytes> ControllerBoxes::busParameters(unsigned bus, unsigned targe
         .text("sChassisSerialNumber", box.serial)
         .number("bSEPCount", std::min(box.processors.size(), MOST_LISTED))
         .number("bExpanderCount", std::min(box.expanders.size(), MOST_LISTED))
-        .number("dwTotalStructureLength", 1024)
-        .number("wMaximumPhysicalDevicesSupported", 128)
+        .number("dwTotalStructureLength", RECORD)
+        .number("wMaximumPhysicalDevicesSupported", limit)
         .number("dwFixedStructureLength", 998);
     if (box.inquiryValid) {
         record.at(0)[0] = box.inquiry.peripheralType;
@@ -131,32 +134,32 @@ std::optional<Bytes> ControllerBoxes::busParameters(unsigned bus, unsigned targe
     for (std::size_t i = 0; i < std::min(box.expanders.size(), MOST_LISTED); ++i)
         putLittle(record.at(373 + 2 * i), 2, box.expanders[i]);
     putPaths(record, box);
-    return finishRecord(BUS_PARAMETERS, record.take(), box.overrides);
+    Bytes extended;
+    if (limit > FIXED_MAP) {
+        extended.resize((limit + 7) / 8);
+        for (unsigned const drive : box.drives)
+            if (drive < limit) extended[drive / 8] |= static_cast<std::uint8_t>(1U << drive % 8);
+        record.number("wOffsetToExtendedInstalledDriveMap", RECORD)
+            .number("dwTotalStructureLength", RECORD + extended.size());
+    }
+    Bytes whole = record.take();
+    whole.insert(whole.end(), extended.begin(), extended.end());
+    return finishRecord(BUS_PARAMETERS, std::move(whole), box.overrides);
+}
+
+bool ControllerBoxes::isExternal(Box const& box) {
+    return std::none_of(box.paths.begin(), box.paths.end(),
+                        [](Path const& path) { return path.bus < INTERNAL_BUSES; });
 }
 
 void ControllerBoxes::mark(Filler& identify) const {
     std::size_t expanders = 0;
     for (Box const& box : m_boxes) {
         expanders += box.expanders.size();
-        bool external = true;
-        for (Path const& path : box.paths) {
-            bool const internal = path.bus < INTERNAL_BUSES;
-            if (internal) external = false;
+        for (Path const& path : box.paths)
             if (path.target < 8)
-                identify.mark(internal ? "bInternalPortStatus" : "bExternalPortStatus",
+                identify.mark(path.bus < INTERNAL_BUSES ? "bInternalPortStatus" : "bExternalPortStatus",
                               8 * (path.bus % INTERNAL_BUSES) + path.target);
-        }
-        auto const noDrive = [&](unsigned index) {
-            identify.mark("pbBigNonDiskMap", index).mark("dwNonDiskMap", index);
-        };
-        for (Processor const& processor : box.processors)
-            noDrive(processor.index);
-        for (unsigned const expander : box.expanders)
-            noDrive(expander);
-        for (unsigned const drive : box.drives) {
-            identify.mark("pbBigDrivePresentMap", drive).mark("dwDrivePresentMap", drive);
-            if (external) identify.mark("pbBigExternalDriveMap", drive).mark("dwExternalDriveMap", drive);
-        }
     }
     if (m_boxes.empty()) return;
     identify.number("bEnclosureCount", std::min<std::size_t>(m_boxes.size(), 255));

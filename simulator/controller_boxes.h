@@ -46,11 +46,14 @@ class ControllerBoxes {
     void add(Box box, std::string const& where);
     std::vector<Box> const& all() const { return m_boxes; }
 
-    /// Nothing when there is no box.
-    std::optional<Bytes> busParameters(unsigned bus, unsigned target) const;
-    /// Marks in the identify record which ports have boxes (a bit for each target number below 8), how many,
-    /// and which devices are no drives.
+    /// Nothing when there is no box. The map of its drives has `limit` bits; more than 128 stand behind the
+    /// record.
+    std::optional<Bytes> busParameters(unsigned bus, unsigned target, unsigned limit = 128) const;
+    /// Marks in the identify record which ports have boxes (a bit for each target number below 8), and how
+    /// many.
     void mark(Filler& identify) const;
+    /// Whether all ways to a box are through external ports.
+    static bool isExternal(Box const& box);
     /// Ports and boxes of all paths, in a record that has the members for them.
     static void putPaths(Filler& record, Box const& box);
 

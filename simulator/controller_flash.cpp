@@ -34,7 +34,8 @@ constexpr Controller::Management COMMANDS[] = {
     {0x27, "SENSE DEFERRED UPDATE STATUS", Direction::In, SHORT, &Controller::senseDeferredUpdate},
     {0x30, "WRITE LOGICAL DRIVE", Direction::Out, SHORT, nullptr},
     {0x40, "SOFT RESET CONTROLLER", Direction::None, RESET_TIME, &Controller::softReset},
-    {0x46, "NVRAM PASS THROUGH", Direction::Out, SHORT, nullptr},
+    {0x46, "NVRAM PASS THROUGH", Direction::In, SHORT, &Controller::readNvram},
+    {0x46, "NVRAM PASS THROUGH", Direction::Out, SHORT, &Controller::writeNvram},
     {0x50, "SENSE LOGICAL DRIVE CONFIGURATION", Direction::In, SHORT,
      &Controller::senseLogicalDriveConfiguration},
     {0x51, "SET LOGICAL DRIVE CONFIGURATION", Direction::Out, SHORT, nullptr},
@@ -44,7 +45,7 @@ constexpr Controller::Management COMMANDS[] = {
     {0x64, "SENSE CONTROLLER PARAMETERS", Direction::In, SHORT, &Controller::senseParameters},
     {0x65, "SENSE BUS PARAMETERS", Direction::In, SHORT, &Controller::senseBusParameters},
     {0x66, "SENSE SUBSYSTEM INFORMATION", Direction::In, SHORT, &Controller::senseSubsystem},
-    {0x6C, "FLASH COMPONENT", Direction::Out, SHORT, nullptr},
+    {0x6C, "FLASH COMPONENT", Direction::Out, SHORT, &Controller::flashComponent},
     {0x70, "SENSE SURFACE STATUS", Direction::In, SHORT, &Controller::senseSurfaceStatus},
     {0x72, "SENSE MNP STATUS", Direction::In, SHORT, &Controller::senseMnpStatus},
     {0x73, "SENSE KEY RECORDS", Direction::In, SHORT, nullptr},
@@ -52,12 +53,12 @@ constexpr Controller::Management COMMANDS[] = {
     {0x92, "PASS THROUGH SPECIAL INQUIRY", Direction::In, SHORT, &Controller::specialInquiry},
     {0x98, "PAUSE BACKGROUND ACTIVITY", Direction::None, SHORT, &Controller::pause},
     {0x99, "RESUME BACKGROUND ACTIVITY", Direction::None, SHORT, &Controller::resume},
-    {0xA0, "SENSE MNP STATISTICS", Direction::In, SHORT, nullptr},
+    {0xA0, "SENSE MNP STATISTICS", Direction::In, SHORT, &Controller::senseMnpStatistics},
     {0xC0, "SET CACHE CONFIGURATION", Direction::Out, SHORT, nullptr},
     {0xC1, "SENSE CACHE CONFIGURATION", Direction::In, SHORT, &Controller::senseCacheConfiguration},
     {0xD2, "COLLECT BUFFER", Direction::Out, CHUNK_TIME, &Controller::collect},
     {0xD3, "FREE COLLECTED BUFFER", Direction::None, SHORT, &Controller::freeCollected},
-    {0xE5, "SENSE DRIVE ERASE PROGRESS", Direction::In, SHORT, nullptr},
+    {0xE5, "SENSE DRIVE ERASE PROGRESS", Direction::In, SHORT, &Controller::senseEraseProgress},
     {0xED, "GET TOTAL BOARD POWER", Direction::In, SHORT, &Controller::boardPower},
     {0xEE, "GET POWER MODE", Direction::In, SHORT, &Controller::powerMode},
     {0xF7, "FLASH CONTROLLER FIRMWARE", Direction::None, FLASH_TIME, &Controller::flash},
@@ -66,10 +67,14 @@ constexpr Controller::Management COMMANDS[] = {
 
 }  // namespace
 
-ArrayController::Management const* ArrayController::findManagement(std::uint8_t code) {
-    auto const* const row = std::find_if(std::begin(COMMANDS), std::end(COMMANDS),
-                                         [&](Management const& each) { return each.code == code; });
-    return row == std::end(COMMANDS) ? nullptr : row;
+ArrayController::Management const* ArrayController::findManagement(Bytes const& block) {
+    Management const* found = nullptr;
+    for (Management const& row : COMMANDS) {
+        if (row.code != block[6]) continue;
+        bool const fits = (row.direction == Direction::In) == (block[0] == 0x26);
+        if (found == nullptr || fits) found = &row;
+    }
+    return found;
 }
 
 Reply ArrayController::pause(Command const& command) {
@@ -203,10 +208,12 @@ std::unique_ptr<Device> makeArrayController(DeviceFrame frame, Object const& obj
     place.firmware = firmware;
     place.device = frame.name;
     ControllerUnits units(object, place);
+    ControllerParts parts(object, firmware, frame.name);
     ControllerFirmware rom(firmware, frame.name, object.at("family").text(IMAGE_FAMILY_SIZE), versions);
     CollectBuffer collected(firmware / (frame.name + ".collect"), setup.collectLimit);
     return std::make_unique<ArrayController>(std::move(frame), std::move(setup), std::move(rom),
-                                             std::move(records), std::move(collected), std::move(units));
+                                             std::move(records), std::move(collected), std::move(units),
+                                             std::move(parts));
 }
 
 }  // namespace simulator

@@ -48,16 +48,16 @@ ControllerRecords::ControllerRecords(Object const& device, Facts facts) : m_fact
 
 /// Builds every record once, so that a scenario's mistakes show when it is read.
 void ControllerRecords::checkAll() const {
-    identifyController({}, ControllerBoxes());
+    identifyController({}, nullptr);
     subsystem();
     controllerParameters();
     redundantParameters();
-    cacheConfiguration(0);
-    cacheConfiguration(1);
+    cacheConfiguration(0, 0);
+    cacheConfiguration(1, 0);
     surfaceStatus();
     mnpStatus();
     for (unsigned drive = 0; drive < m_logicalDrives.size(); ++drive) {
-        logicalDriveConfiguration(drive);
+        logicalDriveConfiguration(drive, nullptr);
         identifyLogicalDrive(drive);
     }
     boardPower();
@@ -67,7 +67,7 @@ void ControllerRecords::checkAll() const {
 }
 
 Bytes ControllerRecords::identifyController(FirmwareVersions const& versions,
-                                            ControllerBoxes const& boxes) const {
+                                            ControllerUnits const* units) const {
     Filler record(IDENTIFY_CONTROLLER);
     record.blankTexts()
         .number("bConfiguredLogicalDrives", std::min<std::size_t>(m_logicalDrives.size(), 255))
@@ -97,8 +97,14 @@ Bytes ControllerRecords::identifyController(FirmwareVersions const& versions,
         .text("sFirmwareCompileTimeStamp", "Jan 15 2024 10:30:00")
         .number("bPCIEGeneration", 3)
         .number("bPCIEWidth", 8);
-    boxes.mark(record);
-    return finishRecord(IDENTIFY_CONTROLLER, record.take(), m_overrides.at("identify"));
+    Bytes maps;
+    if (units != nullptr) {
+        units->boxes().mark(record);
+        units->markMaps(record, maps);
+    }
+    Bytes whole = record.take();
+    whole.insert(whole.end(), maps.begin(), maps.end());
+    return finishRecord(IDENTIFY_CONTROLLER, std::move(whole), m_overrides.at("identify"));
 }
 
 Bytes ControllerRecords::subsystem() const {
@@ -148,7 +154,7 @@ Bytes ControllerRecords::redundantParameters() const {
     return finishRecord(REDUNDANT_PARAMETERS, record.take(), m_overrides.at("redundant_parameters"));
 }
 
-Bytes ControllerRecords::cacheConfiguration(unsigned unit) const {
+Bytes ControllerRecords::cacheConfiguration(unsigned unit, unsigned moduleVersion) const {
     Filler record(CACHE_CONFIGURATION);
     record.number("dwTotalStructureLength", 512)
         .number("wMaximumLogicalDevicesSupported", 64)
@@ -157,6 +163,11 @@ Bytes ControllerRecords::cacheConfiguration(unsigned unit) const {
         .number("wNonBatteryBackedMemorySize", 512)
         .number("wTotalAvailableMemorySize", 512)
         .number("bPercentReadCache", 100);
+    if (moduleVersion != 0)
+        record.number("bCacheAutoRev", moduleVersion)
+            .number("bBoardPresent", 1)
+            .number("dwCacheFlags", 1)         // flash backup installed
+            .number("bCacheSupportFlags", 1);  // and supported
     return finishRecord(CACHE_CONFIGURATION, record.take(),
                         m_overrides.at(unit == 0 ? "cache" : "cache_module"));
 }
@@ -171,7 +182,7 @@ Bytes ControllerRecords::mnpStatus() const {
     return finishRecord(MNP_STATUS, Bytes(MNP_STATUS.size, 0), m_overrides.at("mnp_status"));
 }
 
-Bytes ControllerRecords::logicalDriveConfiguration(unsigned drive) const {
+Bytes ControllerRecords::logicalDriveConfiguration(unsigned drive, ControllerUnits const* units) const {
     Filler record(LOGICAL_DRIVE_CONFIGURATION);
     record.number("dwTotalStructureLength", 512).number("dwFixedStructureLength", 300);
     if (drive >= m_logicalDrives.size()) return record.take();
@@ -182,7 +193,11 @@ Bytes ControllerRecords::logicalDriveConfiguration(unsigned drive) const {
         .number("wBlockSize", 512)
         .number("bConfigModMajorVer", 2)
         .number("wMaximumPhysicalDevicesSupported", 128);
-    return finishRecord(LOGICAL_DRIVE_CONFIGURATION, record.take(), m_logicalDrives[drive].configuration);
+    Bytes maps;
+    if (units != nullptr) units->markRoles(record, maps, drive);
+    Bytes whole = record.take();
+    whole.insert(whole.end(), maps.begin(), maps.end());
+    return finishRecord(LOGICAL_DRIVE_CONFIGURATION, std::move(whole), m_logicalDrives[drive].configuration);
 }
 
 Bytes ControllerRecords::identifyLogicalDrive(unsigned drive) const {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/controller_boxes.h"
+#include "simulator/controller_units.h"
 #include "simulator/device.h"
 #include "simulator/fields.h"
 
@@ -30,18 +30,20 @@ class ControllerRecords {
     /// Reads a device's record keys ("identify", "subsystem", ...). Throws ScenarioError.
     ControllerRecords(Object const& device, Facts facts);
 
-    Bytes identifyController(FirmwareVersions const& versions, ControllerBoxes const& boxes) const;
+    /// `units` is null for a controller with nothing behind it.
+    Bytes identifyController(FirmwareVersions const& versions, ControllerUnits const* units) const;
     Bytes subsystem() const;
     Bytes controllerParameters() const;
     Bytes redundantParameters() const;
-    /// `unit` 0 or 1: the controller's page or the cache module's.
-    Bytes cacheConfiguration(unsigned unit) const;
+    /// `unit` 0 or 1: the controller's page or the cache module's; `moduleVersion` is that of its firmware, 0
+    /// without any.
+    Bytes cacheConfiguration(unsigned unit, unsigned moduleVersion) const;
     Bytes surfaceStatus() const;
     Bytes mnpStatus() const;
     Bytes boardPower() const;
     Bytes powerMode() const;
     /// A record of zeros but for its lengths when there is no such drive.
-    Bytes logicalDriveConfiguration(unsigned drive) const;
+    Bytes logicalDriveConfiguration(unsigned drive, ControllerUnits const* units) const;
     Bytes identifyLogicalDrive(unsigned drive) const;
     /// Nothing when there is no such page.
     std::optional<Bytes> encryptionPage(unsigned page) const;

@@ -25,15 +25,19 @@ ControllerUnits::ControllerUnits(Object const& device, TargetPlace const& place)
     if (auto const list = device.find("physical_devices"))
         for (Value const& value : list->list())
             readPhysical(value, "", nullptr);
+    readMapped(device, "drives", "drive");
+    readMapped(device, "tapes", "tape");
+    findLimit(device);
     if (auto const list = device.find("boxes"))
         for (Value const& value : list->list())
             readBox(value);
     if (auto const list = device.find("volumes"))
         for (Value const& value : list->list())
             readVolume(value);
+    placeInBoxes();
     joinTargets(targets(), device.where());
     for (Unit const& unit : m_units) {  // refuses bad members of the scenario now
-        if (unit.isVolume) continue;
+        if (unit.isVolume || (unit.identify.json.empty() && unit.specialInquiry.json.empty())) continue;
         identify(unit.index(), 0);
         specialInquiry(unit.index(), 0);
     }
@@ -66,22 +70,26 @@ unsigned ControllerUnits::readPhysical(Value const& value, std::string const& gi
     unit.entry.resize(32);
     auto const index = static_cast<unsigned>(object.numberOr("index", m_units.size(), 0xFFFF));
     putBig(&unit.entry[24], 2, index);
-    if (box == nullptr || object.has("address"))
+    unit.inMaps = given == "drive" || given == "tape";
+    if ((box == nullptr && !unit.inMaps) || object.has("address"))
         unit.address = readAddressText(object.at("address"));
     else  // any address will do that no other device has
         unit.address = {
             static_cast<std::uint8_t>(index), static_cast<std::uint8_t>(index >> 8), 0, 0, 0, 0, 0, 1};
     std::copy(unit.address.begin(), unit.address.end(), unit.entry.begin());
     TargetPlace place = m_place;
+    place.hasIndex = true;
+    place.index = index;
+    auto const* const letters = reinterpret_cast<std::uint8_t const*>(m_place.device.data());
+    std::uint64_t const deviceCode = crc32({letters, m_place.device.size()});
+    if (unit.inMaps) place.worldWideName = 0x51E5E00000000000U | (deviceCode & 0xFFFFFFF) << 16 | index;
     if (box != nullptr) {
         unit.inBox = true;
         unit.box = m_boxes.all().size();
         place.port = box->paths[0].port;
         place.box = box->paths[0].number;
         place.chassisSerial = box->serial;
-        auto const* const letters = reinterpret_cast<std::uint8_t const*>(m_place.device.data());
-        place.worldWideName = 0x51E5D00000000000U |
-                              std::uint64_t{crc32({letters, m_place.device.size()})} << 8 | (index & 0xFF);
+        place.worldWideName = 0x51E5D00000000000U | deviceCode << 8 | (index & 0xFF);
     }
     if (auto const address = object.find("sas_address")) {
         auto const bytes = readAddressText(*address);
@@ -103,6 +111,7 @@ unsigned ControllerUnits::readPhysical(Value const& value, std::string const& gi
         unit.target = given.empty() ? makeScsiTarget(object, place) : makeScsiTarget(object, place, given);
         for (TypeRow const& row : TYPES)
             if (row.kind == kind) code = row.code;
+        if (unit.inMaps) unit.drive = dynamic_cast<Drive*>(unit.target.get());
     } else {
         unit.expander.peripheralType = 0x0D;
         unit.expander.vendor = object.textOr("vendor", "VQ", 8);
@@ -206,6 +215,7 @@ std::optional<Bytes> ControllerUnits::identify(unsigned index, std::uint64_t now
             .number("bBoxIndex", path.index());
         ControllerBoxes::putPaths(record, box);
     }
+    if (unit->drive != nullptr) putDrive(record, *unit);
     return finishRecord(PHYSICAL_DEVICE, record.take(), unit->identify);
 }
 

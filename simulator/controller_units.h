@@ -14,13 +14,13 @@
 #include <optional>
 
 #include "simulator/controller_boxes.h"
-#include "simulator/scsi_target.h"
+#include "simulator/drive.h"
 
 namespace simulator {
 
 class ControllerUnits {
   public:
-    /// Reads "physical_devices", "boxes" and "volumes" of a device. Throws ScenarioError.
+    /// Reads "physical_devices", "drives", "tapes", "boxes" and "volumes" of a device. Throws ScenarioError.
     ControllerUnits(Object const& device, TargetPlace const& place);
 
     ControllerBoxes const& boxes() const { return m_boxes; }
@@ -30,6 +30,18 @@ class ControllerUnits {
     /// present has it.
     std::optional<Bytes> identify(unsigned index, std::uint64_t now) const;
     std::optional<Bytes> specialInquiry(unsigned index, std::uint64_t now) const;
+
+    /// How many devices the controller's maps have room for.
+    unsigned limit() const { return m_limit; }
+    /// Writes the maps of the identify record, the extended ones behind it.
+    void markMaps(Filler& identify, Bytes& extended) const;
+    /// Writes which drives a logical drive has, likewise.
+    void markRoles(Filler& configuration, Bytes& extended, unsigned logicalDrive) const;
+    /// The drive of the maps that has a number; null when none has.
+    Drive* drive(unsigned number) const;
+    /// SENSE MNP STATISTICS of a drive, and SENSE DRIVE ERASE PROGRESS of all.
+    std::optional<Bytes> statistics(unsigned number) const;
+    Bytes eraseProgress() const;
 
     /// Answers 0xC2 and 0xC3.
     Reply report(Command const& command) const;
@@ -46,7 +58,9 @@ class ControllerUnits {
         std::shared_ptr<ScsiTarget> target;
         InquiryIdentity expander;  ///< of a unit without a target
         bool isVolume = false;
-        bool inBox = false;  ///< what it is in is m_boxes' element `box`, or nothing is known of it
+        Drive* drive = nullptr;  ///< the target, if it is one of the maps
+        bool inMaps = false;     ///< a drive or tape of "drives" and "tapes"
+        bool inBox = false;      ///< what it is in is m_boxes' element `box`, or nothing is known of it
         std::size_t box = 0;
         RecordOverride identify;
         RecordOverride specialInquiry;
@@ -57,11 +71,17 @@ class ControllerUnits {
     };
     /// `kind` is empty for a device that tells its own. Returns the unit's index.
     unsigned readPhysical(Value const& value, std::string const& kind, ControllerBoxes::Box const* box);
+    void readMapped(Object const& device, char const* key, char const* kind);
+    void readOne(nlohmann::json object, std::string const& where, char const* kind);
+    void findLimit(Object const& device);
+    void placeInBoxes();
+    void putDrive(Filler& record, Unit const& unit) const;
     void readBox(Value const& value);
     void readVolume(Value const& value);
     Unit const* findIndex(unsigned index, std::uint64_t now) const;
 
     TargetPlace m_place;
+    unsigned m_limit = 128;
     ControllerBoxes m_boxes;
     std::vector<Unit> m_units;
 };

@@ -80,6 +80,7 @@ class Device {
             target->scan(now);
     }
     virtual Bytes romImage(Rom) { return {}; }
+    virtual std::vector<FirmwarePart> parts() const { return {}; }
 
   private:
     DeviceFrame m_frame;

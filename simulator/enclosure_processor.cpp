@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::uint64_t SECOND = 1'000'000;
 constexpr std::uint64_t CHUNK_TIME = 5000;
-constexpr std::uint64_t INSTALL_TIME = 2 * SECOND;
 constexpr std::uint64_t FOREVER = ~std::uint64_t{0};
 
 constexpr std::uint8_t WHOLE_IMAGE = 5;
@@ -207,8 +206,8 @@ Reply EnclosureProcessor::install(bool runsAtOnce, std::uint64_t now) {
     if (problem.empty() && (info.version.empty() || info.version.size() > 4))
         problem = "image of version \"" + info.version + "\", expected 1 to 4 characters";
     if (!problem.empty()) return protocolError(ASC_INVALID_FIELD_IN_PARAMETER_LIST, problem);
+    // That takes no time of the command's: its last chunk is answered as the others are.
     Reply reply;
-    reply.microseconds = INSTALL_TIME;
     std::vector<EnclosureProcessor*> reached = {this};
     reached.insert(reached.end(), m_neighbours.begin(), m_neighbours.end());
     for (EnclosureProcessor* const each : reached) {
@@ -219,7 +218,7 @@ Reply EnclosureProcessor::install(bool runsAtOnce, std::uint64_t now) {
     }
     if (runsAtOnce)
         for (EnclosureProcessor* const each : reached)
-            each->restart(now + INSTALL_TIME, false, reply.events);
+            each->restart(now, false, reply.events);
     return reply;
 }
 
@@ -311,11 +310,7 @@ std::unique_ptr<ScsiTarget> makeEnclosureProcessor(InquiryIdentity identity, Obj
     // Without an address of its own it goes by its index.
     std::string const fallback =
         place.worldWideName == 0 ? std::to_string(object.numberOr("index", 0, 0xFFFF)) : toHex(name);
-    setup.name = object.textOr("name", "sep-" + fallback, 64);
-    if (setup.name.empty() ||
-        setup.name.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-") !=
-            std::string::npos)
-        object.at("name").refuse("a name of letters, digits, '.', '_' and '-'");
+    setup.name = readTargetName(object, "sep-" + fallback);
     if (identity.revision.empty()) object.at("revision").refuse("a version that isn't empty");
     setup.stored = object.textOr("stored_revision", "", 4);
     setup.neverReturns = object.booleanOr("never_returns", false);

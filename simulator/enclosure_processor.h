@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "simulator/controller_firmware.h"
+#include "simulator/download.h"
 #include "simulator/scsi_target.h"
-#include "simulator/sep_download.h"
 #include "simulator/sep_models.h"
 
 namespace simulator {
@@ -65,7 +65,7 @@ class EnclosureProcessor : public ScsiTarget {
     std::string m_factoryProduct;
     std::uint64_t m_factoryName;  ///< world-wide name with the first firmware
     ControllerFirmware m_firmware;
-    SepDownload m_download;
+    Download m_download;
     std::vector<EnclosureProcessor*> m_neighbours;
     std::string m_runningFamily;
     std::string m_storedFamily;

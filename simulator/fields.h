@@ -50,6 +50,8 @@ extern RecordLayout const CONTROLLER_PARAMETERS;
 extern RecordLayout const REDUNDANT_PARAMETERS;
 extern RecordLayout const SURFACE_STATUS;
 extern RecordLayout const MNP_STATUS;
+extern RecordLayout const MNP_STATISTICS;
+extern RecordLayout const ERASE_STATE;
 extern RecordLayout const BOARD_POWER;
 extern RecordLayout const POWER_MODE;
 extern RecordLayout const BOX_INQUIRY;

@@ -308,6 +308,21 @@ void Machine::powerCycle() {
 std::vector<DeviceSummary> Machine::devices() {
     return m_core->locked([&] {
         std::vector<DeviceSummary> rows;
+        auto const add = [&](DeviceSummary row, std::vector<FirmwarePart> const& parts) {
+            if (row.state.empty()) row.state = "ok";
+            std::string const owner = row.name;
+            rows.push_back(std::move(row));
+            for (FirmwarePart const& part : parts) {
+                DeviceSummary inside;
+                inside.name = owner + "/" + part.name;
+                inside.kind = part.kind;
+                inside.product = part.firmware->family();
+                inside.running = part.firmware->running();
+                inside.stored = part.firmware->stored();
+                inside.state = part.firmware->restartNeeded() ? "restart needed" : "ok";
+                rows.push_back(std::move(inside));
+            }
+        };
         for (auto const& device : m_core->scenario.devices) {
             DeviceSummary row;
             row.name = device->frame().name;
@@ -316,14 +331,12 @@ std::vector<DeviceSummary> Machine::devices() {
             device->summarise(row);
             if (m_core->vanished.count(row.name) != 0)
                 row.state += row.state.empty() ? "vanished" : ", vanished";
-            if (row.state.empty()) row.state = "ok";
-            rows.push_back(row);
+            add(std::move(row), device->parts());
             for (ScsiTarget const* const target : device->targets()) {
                 DeviceSummary behind;
                 behind.name = device->frame().name + "/" + target->name();
                 target->summarise(behind, m_core->clock);
-                if (behind.state.empty()) behind.state = "ok";
-                rows.push_back(std::move(behind));
+                add(std::move(behind), target->parts());
             }
         }
         return rows;
@@ -336,10 +349,20 @@ std::vector<JournalEntry> Machine::journal() const {
 
 Bytes Machine::romImage(std::string const& name, Rom rom) {
     return m_core->locked([&] {
+        auto const part = [&](std::string const& owner, std::vector<FirmwarePart> const& parts) {
+            for (FirmwarePart const& each : parts)
+                if (owner + "/" + each.name == name) return each.firmware;
+            return static_cast<PartFirmware const*>(nullptr);
+        };
         for (auto const& device : m_core->scenario.devices) {
-            if (device->frame().name == name) return device->romImage(rom);
-            for (ScsiTarget const* const target : device->targets())
-                if (device->frame().name + "/" + target->name() == name) return target->romImage(rom);
+            std::string const& own = device->frame().name;
+            if (own == name) return device->romImage(rom);
+            if (auto const* const found = part(own, device->parts())) return found->contents();
+            for (ScsiTarget const* const target : device->targets()) {
+                std::string const behind = own + "/" + target->name();
+                if (behind == name) return target->romImage(rom);
+                if (auto const* const found = part(behind, target->parts())) return found->contents();
+            }
         }
         throw MachineError("no device \"" + name + "\" in " + m_core->directory.string());
     });

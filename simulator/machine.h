@@ -86,7 +86,8 @@ class Machine {
 
     std::vector<DeviceSummary> devices();
     std::vector<JournalEntry> journal() const;
-    /// The image in a controller's ROM, byte for byte as it was collected; empty when that ROM is.
+    /// The image in a controller's ROM, or that of what is behind or in it ("left/drive-3/carrier"), byte for
+    /// byte as it arrived; empty when that ROM is.
     Bytes romImage(std::string const& device, Rom rom);
 
   private:

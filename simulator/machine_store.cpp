@@ -27,7 +27,7 @@ std::string clockText(std::uint64_t sequence, std::uint64_t microseconds) {
 json wholeState(Device const& device) {
     json state = device.saveState();
     for (ScsiTarget const* const target : device.targets())
-        state["targets"][target->name()] = target->saveState();
+        if (!target->pristine()) state["targets"][target->name()] = target->saveState();
     return state;
 }
 
@@ -129,8 +129,17 @@ void MachineCore::loadState() {
         for (auto const& device : scenario.devices) {
             json const& own = state.at("devices").at(device->frame().name);
             device->loadState(own);
-            for (ScsiTarget* const target : device->targets())
-                target->loadState(own.at("targets").at(target->name()));
+            json const none = json::object();
+            json const& behind = own.contains("targets") ? own.at("targets") : none;
+            for (ScsiTarget* const target : device->targets()) {
+                target->reset();
+                auto const kept = behind.find(target->name());
+                if (kept != behind.end())
+                    target->loadState(*kept);
+                else if (!target->pristine())
+                    throw MachineError(file.string() + " doesn't fit machine.json: no state of " +
+                                       target->name());
+            }
             m_saved[device->frame().name] = own;
         }
         vanished = state.at("vanished").get<std::set<std::string>>();

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "simulator/drive.h"
+
 namespace simulator {
 
 namespace {
@@ -43,6 +45,8 @@ std::shared_ptr<SasDevice> readSasDevice(Value const& value, SasPhys& known, Tar
         TargetPlace own = place;
         own.worldWideName = numberOf(device->address);
         device->target = makeScsiTarget(object, own);
+        auto const* const drive = dynamic_cast<Drive const*>(device->target.get());
+        if (drive != nullptr && drive->isSata()) device->targetProtocols = 1;
     }
     device->targetProtocols =
         static_cast<std::uint8_t>(object.numberOr("target_protocols", device->targetProtocols, 0x0F));

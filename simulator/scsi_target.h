@@ -9,6 +9,7 @@
 
 #include "simulator/inquiry.h"
 #include "simulator/machine.h"
+#include "simulator/part_firmware.h"
 #include "simulator/value.h"
 
 namespace simulator {
@@ -29,10 +30,14 @@ class ScsiTarget {
     /// Makes the files of a new machine.
     virtual void initialise() {}
     virtual void powerCycle(std::vector<std::string>& /*events*/) {}
+    /// As it was made: its state needn't be kept. A target that may be is brought back by reset().
+    virtual bool pristine() const { return false; }
+    virtual void reset() {}
     virtual nlohmann::json saveState() const { return nlohmann::json::object(); }
     virtual void loadState(nlohmann::json const&) {}
     virtual void summarise(DeviceSummary&, std::uint64_t /*now*/) const {}
     virtual Bytes romImage(Rom) const { return {}; }
+    virtual std::vector<FirmwarePart> parts() const { return {}; }
 
     /// Whether its adapter sees it at a virtual time: a target that restarts is away.
     virtual bool present(std::uint64_t /*now*/) const { return true; }
@@ -53,6 +58,8 @@ struct TargetPlace {
     std::string port;                 ///< of the box that it is in, two characters; empty for none
     unsigned box = 0;
     std::string chassisSerial;
+    bool hasIndex = false;  ///< behind a controller
+    unsigned index = 0;     ///< there
 };
 
 /// Reads "kind" ("drive", "tape", "enclosure_processor", "volume", "array_controller"), "vendor", "product",
@@ -65,6 +72,9 @@ std::unique_ptr<ScsiTarget> makeScsiTarget(Object const& object, TargetPlace con
 /// Tells processors in one box of each other. Throws ScenarioError when two targets have one name; `where` is
 /// the device's.
 void joinTargets(std::vector<ScsiTarget*> const& targets, std::string const& where);
+
+/// "name" of a target, letters, digits, '.', '_' and '-', or `fallback`. Throws ScenarioError.
+std::string readTargetName(Object const& object, std::string const& fallback);
 
 /// The name of a SCSI command block's operation code, "SCSI 0x5A" for one that nobody here answers.
 std::string scsiName(std::uint8_t operationCode);

@@ -36,6 +36,43 @@ constexpr Field mnpStatusFields[] = {
     {32, 16, FieldKind::Raw, "pbViolatedDriveMap"}, {48, 464, FieldKind::Reserved, "reserved"},
 };
 
+constexpr Field mnpStatisticsFields[] = {
+    {0, 4, FieldKind::Number, "dwFactoryTimestamp"},
+    {4, 4, FieldKind::Number, "dwPowerOnMinutes"},
+    {8, 8, FieldKind::Number, "qwSectorsRead"},
+    {16, 8, FieldKind::Number, "qwSectorsWritten"},
+    {24, 4, FieldKind::Number, "dwReadErrorsHard"},
+    {28, 4, FieldKind::Number, "dwReadErrorsRetryRecovered"},
+    {32, 4, FieldKind::Number, "dwReadErrorsECCCorrected"},
+    {36, 4, FieldKind::Number, "dwWriteErrorsHard"},
+    {40, 4, FieldKind::Number, "dwWriteErrorsRetryRecovered"},
+    {44, 4, FieldKind::Number, "dwSeekCount"},
+    {48, 4, FieldKind::Number, "dwSeekErrors"},
+    {52, 4, FieldKind::Number, "dwSpinupCycles"},
+    {56, 2, FieldKind::Number, "wSpinupTime"},
+    {58, 4, FieldKind::Number, "dwReallocationAborts"},
+    {62, 4, FieldKind::Number, "dwReallocatedSectors"},
+    {66, 4, FieldKind::Number, "dwMediaFailures"},
+    {70, 4, FieldKind::Number, "dwHardwareErrors"},
+    {74, 4, FieldKind::Number, "dwBusFaults"},
+    {78, 4, FieldKind::Number, "dwHotPlugCount"},
+    {82, 4, FieldKind::Number, "dwServiceTime"},
+    {86, 4, FieldKind::Number, "dwPredictiveFailureErrors"},
+    {90, 422, FieldKind::Reserved, "reserved"},
+};
+
+constexpr Field eraseStateFields[] = {
+    {0, 4, FieldKind::Number, "wOffsetToPhysicalDriveEraseState"},
+    {4, 4, FieldKind::Number, "wOffsetToLogicalDriveEraseState"},
+    {8, 2, FieldKind::Number, "wMaximumPhysicalDevicesSupported"},
+    {10, 2, FieldKind::Number, "wMaximumLogicalDevicesSupported"},
+    {12, 4, FieldKind::Number, "dwTotalStructureLength"},
+    {16, 4, FieldKind::Number, "dwFixedStructureLength"},
+    {20, 1, FieldKind::Number, "bSupportFlags"},
+    {21, 1, FieldKind::Number, "bOptionFlags"},
+    {22, 490, FieldKind::Reserved, "reserved"},
+};
+
 constexpr Field boardPowerFields[] = {
     {0, 4, FieldKind::Number, "dwTotalBoardPower"},
 };
@@ -106,6 +143,8 @@ constexpr EncryptionPage encryptionPages[] = {
 
 constinit RecordLayout const SURFACE_STATUS = {"surface status", 1536, surfaceStatusFields};
 constinit RecordLayout const MNP_STATUS = {"mnp status", 512, mnpStatusFields};
+constinit RecordLayout const MNP_STATISTICS = {"mnp statistics", 512, mnpStatisticsFields};
+constinit RecordLayout const ERASE_STATE = {"erase state", 512, eraseStateFields};
 constinit RecordLayout const BOARD_POWER = {"board power", 4, boardPowerFields};
 constinit RecordLayout const POWER_MODE = {"power mode", 12, powerModeFields};
 constinit std::span<EncryptionPage const> const ENCRYPTION_PAGES = encryptionPages;

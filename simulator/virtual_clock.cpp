@@ -1,12 +1,15 @@
 #include "simulator/virtual_clock.h"
 
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+
+#include "simulator/sleepers.h"
 
 namespace simulator {
 
@@ -32,6 +35,53 @@ class File {
     int m_number = -1;
 };
 
+/// The clock file of a machine, locked as long as this lives.
+class LockedClock {
+  public:
+    explicit LockedClock(char const* directory)
+        : m_lock(directory, "lock", O_RDWR | O_CREAT), m_clock(directory, "clock", O_RDWR) {
+        if (m_lock.number() < 0 || m_clock.number() < 0) {
+            m_error = errno;
+            return;
+        }
+        while (::flock(m_lock.number(), LOCK_EX) != 0) {
+            if (errno == EINTR) continue;
+            m_error = errno;
+            return;
+        }
+        char text[CLOCK_SIZE + 1] = {};
+        if (::pread(m_clock.number(), text, CLOCK_SIZE, 0) < 0 || !parseClock(text, reading)) m_error = EIO;
+    }
+    /// 0 or an errno; without it `reading` is what the file says.
+    int error() const { return m_error; }
+    int write() const {
+        char text[CLOCK_SIZE + 1];
+        formatClock(reading, text);
+        return ::pwrite(m_clock.number(), text, CLOCK_SIZE, 0) == CLOCK_SIZE ? 0 : EIO;
+    }
+
+    ClockReading reading;
+
+  private:
+    File m_lock;
+    File m_clock;
+    int m_error = 0;
+};
+
+int writeLine(char const* directory, ClockReading const& reading, std::uint64_t microseconds) {
+    char line[256];
+    Number const began = reading.microseconds / 1000;
+    Number const duration = microseconds / 1000;
+    int const length =
+        std::snprintf(line, sizeof line,
+                      "{\"event\":\"sleep\",\"seq\":%llu,\"text\":\"%llu.%03llu s\",\"time\":%llu.%03llu}\n",
+                      Number{reading.sequence}, duration / 1000, duration % 1000, began / 1000, began % 1000);
+    File const journal(directory, "journal.jsonl", O_WRONLY | O_CREAT | O_APPEND);
+    if (journal.number() < 0 || ::write(journal.number(), line, static_cast<std::size_t>(length)) != length)
+        return EIO;
+    return 0;
+}
+
 }  // namespace
 
 void formatClock(ClockReading const& reading, char (&text)[CLOCK_SIZE + 1]) {
@@ -48,30 +98,31 @@ bool parseClock(char const* text, ClockReading& reading) {
 }
 
 int sleepInDirectory(char const* directory, std::uint64_t microseconds) {
-    File const lock(directory, "lock", O_RDWR | O_CREAT);
-    if (lock.number() < 0) return errno;
-    while (::flock(lock.number(), LOCK_EX) != 0)
-        if (errno != EINTR) return errno;
-    File const clock(directory, "clock", O_RDWR);
-    if (clock.number() < 0) return errno;
-    char text[CLOCK_SIZE + 1] = {};
-    ClockReading reading;
-    if (::pread(clock.number(), text, CLOCK_SIZE, 0) < 0 || !parseClock(text, reading)) return EIO;
-
-    char line[256];
-    Number const began = reading.microseconds / 1000;
-    Number const duration = microseconds / 1000;
-    int const length =
-        std::snprintf(line, sizeof line,
-                      "{\"event\":\"sleep\",\"seq\":%llu,\"text\":\"%llu.%03llu s\",\"time\":%llu.%03llu}\n",
-                      Number{reading.sequence}, duration / 1000, duration % 1000, began / 1000, began % 1000);
-    File const journal(directory, "journal.jsonl", O_WRONLY | O_CREAT | O_APPEND);
-    if (journal.number() < 0 || ::write(journal.number(), line, static_cast<std::size_t>(length)) != length)
-        return EIO;
-    ++reading.sequence;
-    reading.microseconds += microseconds;
-    formatClock(reading, text);
-    return ::pwrite(clock.number(), text, CLOCK_SIZE, 0) == CLOCK_SIZE ? 0 : EIO;
+    std::uint64_t until = 0;
+    {
+        LockedClock clock(directory);
+        if (clock.error() != 0) return clock.error();
+        if (int const error = writeLine(directory, clock.reading, microseconds); error != 0) return error;
+        until = clock.reading.microseconds + microseconds;
+        ++clock.reading.sequence;
+        if (int const error = clock.write(); error != 0) return error;
+    }
+    Sleeper sleeper(until);
+    while (!sleeper.isAwake()) {
+        if (!sleeper.isNextToWake()) {
+            ::sched_yield();
+            continue;
+        }
+        LockedClock clock(directory);
+        if (clock.error() != 0) return clock.error();
+        if (clock.reading.microseconds < until) {
+            clock.reading.microseconds = until;
+            if (int const error = clock.write(); error != 0) return error;
+        }
+        Sleeper::wakeUntil(clock.reading.microseconds);
+        break;
+    }
+    return 0;
 }
 
 }  // namespace simulator

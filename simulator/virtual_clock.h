@@ -19,7 +19,11 @@ void formatClock(ClockReading const& reading, char (&text)[CLOCK_SIZE + 1]);
 /// False when `text` isn't a clock's.
 bool parseClock(char const* text, ClockReading& reading);
 
-/// Advances the clock of the machine in `directory` and adds a line to its journal. Returns 0 or an errno.
+/// Sleeps on the clock of the machine in `directory` and adds a line to its journal. Returns 0 or an errno.
+///
+/// Time passes only while all threads of the process wait for something (sleepers.h): then the clock goes on
+/// to the earliest end of a sleep. Threads that sleep side by side thus take as long as the longest of them
+/// does.
 ///
 /// It works on the files alone, under their lock, without heap and without a mutex: a thread sanitizer looks
 /// away while a program sleeps, and would take what it sees before and after for races.

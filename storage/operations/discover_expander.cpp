@@ -29,7 +29,7 @@ void discover(Core::Device& parent, DevicePointer const& controller, BMICDevice&
     publish(*expander, Names::ATTR_NAME_DEVICE_NUMBER, decimalText(number));
     publish(*expander, Names::ATTR_NAME_STATUS, Names::ATTR_VALUE_STATUS_OK);
     publishSpecialInquiry(*expander, commands, number);
-    publishIdentity(*expander, commands, number, isMultiPathSupported(controller));
+    publishIdentity(*expander, controller, commands, number);
     if (!expander->hasAttribute(Names::ATTR_NAME_WWID)) {
         publish(*expander, Names::ATTR_NAME_WWID, PhysicalDeviceIterator::getSasAddress(handle));
     }

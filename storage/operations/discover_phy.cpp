@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "command/controller_command.h"
-#include "command/device_command_return.h"
 #include "common/debug_logger.h"
 #include "storage/operations/publish.h"
 #include "storage/schema/drives.h"
@@ -64,10 +63,10 @@ Core::OperationReturn DiscoverPhy::discover(Core::Device& device, BMICDevice& co
                                             unsigned short const& bmicIndex) {
     Core::OperationReturn result;
     if (bmicIndex == Schema::NO_BMIC_INDEX) return result;
-    IdentifyPhysicalDrive identify(bmicIndex);
-    DeviceCommandReturn::executeCommand(identify, controller, result);
-    if (!result) return result;
-    Identify const& record = identify.record();
+    Common::copy_ptr<Identify> page;
+    Schema::PhysicalDrive::identifyPhysicalDrive(device.pParent(), controller, bmicIndex, page, result);
+    if (!result || page.get() == nullptr) return result;
+    Identify const& record = *page;
     unsigned count = record.wPHYCount;
     if (count > PHYS) {
         Common::DebugLogger::LogCommand(

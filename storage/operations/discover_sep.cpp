@@ -42,7 +42,7 @@ void publishKind(DevicePointer const& sep, unsigned char typeCode) {
 void publishSepInfo(DevicePointer const& controller, BMICDevice& commands, DevicePointer const& sep,
                     Schema::SEP& device, unsigned char typeCode) {
     publishSpecialInquiry(*sep, commands, device.bmicIndex());
-    publishIdentity(*sep, commands, device.bmicIndex(), isMultiPathSupported(controller));
+    publishIdentity(*sep, controller, commands, device.bmicIndex());
     if (!sep->hasAttribute(Names::ATTR_NAME_WWID)) {
         publish(*sep, Names::ATTR_NAME_WWID, PhysicalDeviceIterator::getSasAddress(device.handle()));
     }

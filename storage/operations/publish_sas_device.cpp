@@ -6,6 +6,7 @@
 #include "command/controller_command.h"
 #include "storage/operations/publish.h"
 #include "storage/operations/publish_enclosure.h"
+#include "storage/schema/drives.h"
 #include "storage/vocabulary/array_controller.h"
 #include "storage/vocabulary/sep.h"
 
@@ -38,6 +39,12 @@ void publishActivePath(Core::Device& device, Identify const& identify) {
     publish(device, Names::ATTR_NAME_ACTIVE_PATH_BOX, decimalText(box));
 }
 
+bool isMultiPathSupported(Common::shared_ptr<Core::Device> const& controller) {
+    namespace Controller = Interface::StorageMod::ArrayController;
+    return controller && controller->hasAttributeAndIs(Controller::ATTR_NAME_MULTI_PATH_SUPPORTED,
+                                                       Controller::ATTR_VALUE_MULTI_PATH_SUPPORTED_TRUE);
+}
+
 }  // namespace
 
 void publishSpecialInquiry(Core::Device& device, BMICDevice& controller, unsigned short bmicIndex) {
@@ -49,27 +56,23 @@ void publishSpecialInquiry(Core::Device& device, BMICDevice& controller, unsigne
     publish(device, Names::ATTR_NAME_FIRMWARE_REVISION, memberText(data.sProductRevisionLevel));
 }
 
-void publishIdentity(Core::Device& device, BMICDevice& controller, unsigned short bmicIndex,
-                     bool isMultiPathSupported) {
-    IdentifyPhysicalDrive identify(bmicIndex);
-    if (!identify(controller)) {
+void publishIdentity(Core::Device& device, Common::shared_ptr<Core::Device> const& controller,
+                     BMICDevice& commands, unsigned short bmicIndex) {
+    Common::copy_ptr<Identify> page;
+    Core::OperationReturn outcome;
+    Schema::PhysicalDrive::identifyPhysicalDrive(controller, commands, bmicIndex, page, outcome);
+    if (!outcome || page.get() == nullptr) {
         publish(device, Names::ATTR_NAME_PORT, Names::ATTR_VALUE_PORT_UNKNOWN);
         return;
     }
-    Identify const& record = identify.record();
+    Identify const& record = *page;
     if (!isZero(record.bWWID, WWID_SIZE)) {
         publish(device, Names::ATTR_NAME_WWID,
                 Conversion::arrayToString<unsigned char>(record.bWWID, WWID_SIZE, ""));
     }
     publish(device, Names::ATTR_NAME_PORT, portText(memberText(record.sPhysicalPort), record.bPhysicalBox));
     publish(device, Names::ATTR_NAME_BOX, decimalText(record.bPhysicalBox));
-    if (isMultiPathSupported) publishActivePath(device, record);
-}
-
-bool isMultiPathSupported(Common::shared_ptr<Core::Device> const& controller) {
-    namespace Controller = Interface::StorageMod::ArrayController;
-    return controller && controller->hasAttributeAndIs(Controller::ATTR_NAME_MULTI_PATH_SUPPORTED,
-                                                       Controller::ATTR_VALUE_MULTI_PATH_SUPPORTED_TRUE);
+    if (isMultiPathSupported(controller)) publishActivePath(device, record);
 }
 
 }  // namespace Operations

@@ -10,11 +10,9 @@ namespace Operations {
 ///
 /// From the inquiry data that the controller passes on: vendor, product and revision.
 void publishSpecialInquiry(Core::Device& device, BMICDevice& controller, unsigned short bmicIndex);
-/// From its identify record: WWID, port and box, and the active path behind a controller that knows of
-/// several. Without the record the port isn't known.
-void publishIdentity(Core::Device& device, BMICDevice& controller, unsigned short bmicIndex,
-                     bool isMultiPathSupported);
-/// Whether the controller above a device knows of several paths.
-bool isMultiPathSupported(Common::shared_ptr<Core::Device> const& controller);
+/// From its identify record: WWID, port and box, and the active path where `controller`, the device above,
+/// knows of several. Without the record the port isn't known.
+void publishIdentity(Core::Device& device, Common::shared_ptr<Core::Device> const& controller,
+                     BMICDevice& commands, unsigned short bmicIndex);
 
 }  // namespace Operations

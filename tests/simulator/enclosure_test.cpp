@@ -96,7 +96,7 @@ class Enclosures : public MachineTest {
         return reply.good() ? textAt(reply.data, 16, 20) : outcome(reply);
     }
     std::uint64_t worldWideName(unsigned index) {
-        Reply const reply = send(ONE, toIndex(0x15, 2048, index));
+        Reply const reply = send(ONE, toIndex(0x15, 2048, 128 + index));
         return reply.good() ? simulator::getBig(&reply.data[142], 8) : 0;
     }
 };
@@ -138,7 +138,7 @@ TEST_F(Enclosures, ABoxIsToldAtEachOfItsPaths) {
 }
 
 TEST_F(Enclosures, ProcessorsAndExpandersAreIdentified) {
-    Reply reply = send(ONE, toIndex(0x15, 2048, 17));
+    Reply reply = send(ONE, toIndex(0x15, 2048, 128 + 17));
     EXPECT_EQ("ENCL 05 SEP ", textAt(reply.data, 12, 12));
     EXPECT_EQ("1.90    ", textAt(reply.data, 92, 8));
     EXPECT_EQ("1E", textAt(reply.data, 112, 2));

@@ -41,14 +41,10 @@ INSTANTIATE_TEST_SUITE_P(
         BadScenario{
             "UnknownKey", REPLACE("/devices/0/famly", "1"),
             "scenario.devices[0]: found the key \"famly\", expected one of board_power, boxes, cache, "
-            "cache_module, "
-            "collect_limit, "
-            "controller_parameters, encryption, family, fast_path, firmware, identify, instance, "
-            "kind, layout, "
-            "logical_drives, mnp_status, model, name, node_present, pci, physical_devices, power_mode, "
-            "product, "
-            "redundant_parameters, serial, "
-            "subsystem, supports_tofu, surface_status, volumes"},
+            "cache_firmware, cache_module, collect_limit, controller_parameters, drives, encryption, family, "
+            "fast_path, firmware, i2c_nvram, identify, instance, kind, layout, logical_drives, mnp_status, "
+            "model, name, node_present, pci, physical_devices, power_mode, product, redundant_parameters, "
+            "serial, subsystem, supports_tofu, surface_status, tapes, volumes"},
         BadScenario{"UnknownKind", REPLACE("/devices/1/kind", "\"toaster\""),
                     "scenario.devices[1].kind: found \"toaster\", expected one of array_controller, "
                     "csmi_adapter, pci_function"},

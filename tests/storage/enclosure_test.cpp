@@ -275,10 +275,10 @@ TEST_F(Enclosures, HoldTheProcessorsThatTheyList) {
     answers->addUnit(0x24, 0);        // a drive
     answers->addUnit(0x25, 6);        // in no box
     answers->management[{0x92, 0x21, 0}] = inquiryOf("VQ      ENCL 01 SEP     2.08");
-    answers->management[{0x15, 0x21, 0}] = identityOf("1E", 3);
-    answers->management[{0x15, 0x22, 0}] = identityOf("??", 3);
+    answers->management[{0x15, 0xA1, 0}] = identityOf("1E", 3);
+    answers->management[{0x15, 0xA2, 0}] = identityOf("??", 3);
     answers->management[{0x92, 0x25, 0}] = inquiryOf("VQ      ENCL 14 SEP     0.10");
-    answers->management[{0x15, 0x25, 0}] = identityOf("1E", 255);
+    answers->management[{0x15, 0xA5, 0}] = identityOf("1E", 255);
     auto const enclosure = discovered();
     auto const seps = below(*enclosure, "SEP");
     ASSERT_EQ(2U, seps.size());
@@ -314,7 +314,7 @@ TEST_F(Enclosures, ActivePathsAreThoseOfControllersThatKnowSeveral) {
     oneBox(box("S1"));
     answers->addUnit(0x21, 5);
     answers->management[{0x92, 0x21, 0}] = inquiryOf("VQ      EXPANDER        3.10");
-    answers->management[{0x15, 0x21, 0}] = identityOf("1E", 3);
+    answers->management[{0x15, 0xA1, 0}] = identityOf("1E", 3);
     discover();
     only().Reset();
     only().Receive(
@@ -442,7 +442,7 @@ TEST_F(Enclosures, ProcessorsHavePhys) {
     record[708 + 3] = 0x12;
     record[708 + 4] = record[708 + 5] = 0xFF;
     record[1224 + 1] = 0x0A;
-    answers->management[{0x15, 0x21, 0}] = record;
+    answers->management[{0x15, 0xA1, 0}] = record;
     discover();
     auto const phys = below(*below(only(), "SEP").at(0), "PHY");
     ASSERT_EQ(256U, phys.size());
