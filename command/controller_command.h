@@ -90,10 +90,16 @@ class ControllerCommand : public BufferedCommand<T> {
     std::uint8_t m_unitLow = 0;
 };
 
+// What a command writes can be read back with the same code.
+template <class T>
+inline constexpr bool isReadBack = false;
+template <>
+inline constexpr bool isReadBack<NVRAMPassThroughTrait> = true;
+
 // Reads from the controller.
 template <class T>
 class SenseControllerCommand : public ControllerCommand<T> {
-    static_assert(T::direction != EnDirection::Out, "this command carries data out");
+    static_assert(T::direction != EnDirection::Out || isReadBack<T>, "this command carries data out");
 
   public:
     SenseControllerCommand() : ControllerCommand<T>(Interface::SysMod::Command::EnTransferType::In) {}

@@ -1,7 +1,9 @@
 #include "flash/flashmod.h"
 
 #include "command/scsi_status.h"
+#include "flash/component_operations.h"
 #include "flash/controller_operations.h"
+#include "flash/nvram.h"
 #include "flash/sense_deferred_update.h"
 #include "flash/vocabulary.h"
 #include "flash/write_background_activity.h"
@@ -17,9 +19,9 @@ using Schema::on;
 constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::ArrayController>(OPERATION_WRITE_FLASH_ARRAY_CONTROLLER_FIRMWARE,
                                 creatorOf<Operations::WriteFlashArrayControllerFirmware>),
-    on<Schema::ArrayController>(OPERATION_WRITE_FLASH_NVRAM),
-    on<Schema::ArrayController>(OPERATION_READ_NVRAM),
-    on<Schema::ArrayController>(OPERATION_WRITE_FLASH_FBWC),
+    on<Schema::ArrayController>(OPERATION_WRITE_FLASH_NVRAM, creatorOf<Operations::WriteFlashNVRAM>),
+    on<Schema::ArrayController>(OPERATION_READ_NVRAM, creatorOf<Operations::ReadNVRAM>),
+    on<Schema::ArrayController>(OPERATION_WRITE_FLASH_FBWC, creatorOf<Operations::WriteFlashFBWC>),
     on<Schema::ArrayController>(OPERATION_WRITE_FLASH_SEP_FIRMWARE,
                                 creatorOf<Operations::WriteFlashSEPFirmware>),
     on<Schema::ArrayController>(OPERATION_WRITE_TOGGLE_ACTIVE_ROM_IMAGE,
@@ -39,8 +41,10 @@ constexpr Core::OperationRow OPERATIONS[] = {
 
     // The last row's operation is declared for both kinds of drive, and its filter admits the drives of plain
     // adapters only: an array controller pauses for all of its drives.
-    on<Schema::PhysicalDrive>(OPERATION_WRITE_FLASH_DRIVE_ACTIVE_CARRIER),
-    on<Schema::PhysicalDrive>(OPERATION_WRITE_FLASH_PHYSICAL_DRIVE),
+    on<Schema::PhysicalDrive>(OPERATION_WRITE_FLASH_DRIVE_ACTIVE_CARRIER,
+                              creatorOf<Operations::WriteFlashDriveActiveCarrier>),
+    on<Schema::PhysicalDrive>(OPERATION_WRITE_FLASH_PHYSICAL_DRIVE,
+                              creatorOf<Operations::WriteFlashPhysicalDrive>),
     on<Schema::PhysicalDrive>(OPERATION_SENSE_DEFERRED_UPDATE_STATUS,
                               creatorOf<Operations::SenseDeferredUpdate>),
     on<Schema::PhysicalDrive>(OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE,

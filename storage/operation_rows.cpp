@@ -5,11 +5,15 @@
 #include "storage/operations/discover_controllers.h"
 #include "storage/operations/discover_drive_cage.h"
 #include "storage/operations/discover_expander.h"
+#include "storage/operations/discover_non_vaultline_physical_drive.h"
 #include "storage/operations/discover_phy.h"
+#include "storage/operations/discover_physical_drive.h"
 #include "storage/operations/discover_sep.h"
 #include "storage/operations/discover_storage_enclosure.h"
 #include "storage/operations/read_array_controller_bootable_status.h"
 #include "storage/operations/read_array_controller_info.h"
+#include "storage/operations/read_physical_drive_info.h"
+#include "storage/operations/read_ssd_info.h"
 #include "storage/operations/write_allowed_controller_discovery.h"
 #include "storage/operations/write_cache_settings.h"
 #include "storage/operations/write_set_capability_mask.h"
@@ -45,11 +49,12 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::ArrayController>(OPERATION_DISCOVER_REMOTE_VOLUMES),
     on<Schema::ArrayController>(OPERATION_DISCOVER_ARRAYS),
     on<Schema::ArrayController>(OPERATION_DISCOVER_EXPANDERS, creatorOf<Operations::DiscoverExpander>),
-    on<Schema::ArrayController>(OPERATION_DISCOVER_PHYSICAL_DRIVES),
+    on<Schema::ArrayController>(OPERATION_DISCOVER_PHYSICAL_DRIVES,
+                                creatorOf<Operations::DiscoverPhysicalDrive>),
     on<Schema::ArrayController>(OPERATION_DISCOVER_SEPS, creatorOf<Operations::DiscoverSEP>),
     on<Schema::ArrayController>(OPERATION_DISCOVER_STORAGE_ENCLOSURES,
                                 creatorOf<Operations::DiscoverStorageEnclosure>),
-    on<Schema::ArrayController>(OPERATION_DISCOVER_TAPE_DRIVES),
+    on<Schema::ArrayController>(OPERATION_DISCOVER_TAPE_DRIVES, creatorOf<Operations::DiscoverTapeDrive>),
     on<Schema::ArrayController>(OPERATION_DISCOVER_PAIRED_CONTROLLERS),
     on<Schema::ArrayController>(OPERATION_READ_ARRAY_CONTROLLER_INFO,
                                 creatorOf<Operations::ReadArrayControllerInfo>),
@@ -68,8 +73,8 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::ArrayController>(OPERATION_WRITE_CACHE_SETTINGS, creatorOf<Operations::WriteCacheSettings>),
     on<Schema::ArrayController>(OPERATION_ASSOCIATION_ARRAY_CONTROLLER_PHYSICAL_DRIVE),
 
-    on<Schema::DriveCage>(OPERATION_DISCOVER_PHYSICAL_DRIVES),
-    on<Schema::DriveCage>(OPERATION_DISCOVER_TAPE_DRIVES),
+    on<Schema::DriveCage>(OPERATION_DISCOVER_PHYSICAL_DRIVES, creatorOf<Operations::DiscoverPhysicalDrive>),
+    on<Schema::DriveCage>(OPERATION_DISCOVER_TAPE_DRIVES, creatorOf<Operations::DiscoverTapeDrive>),
     on<Schema::DriveCage>(OPERATION_WRITE_DEVICE_BLINK),
 
     on<Schema::Expander>(OPERATION_DISCOVER_PHYS, creatorOf<Operations::DiscoverPhy>),
@@ -86,8 +91,9 @@ constexpr Core::OperationRow OPERATIONS[] = {
 
     on<Schema::ParityGroup>(OPERATION_ASSOCIATION_PARITY_GROUP_PHYSICAL_DRIVE),
 
-    on<Schema::PhysicalDrive>(OPERATION_READ_PHYSICAL_DRIVE_INFO),
-    on<Schema::PhysicalDrive>(OPERATION_READ_EXTENDED_INFO),
+    on<Schema::PhysicalDrive>(OPERATION_READ_PHYSICAL_DRIVE_INFO,
+                              creatorOf<Operations::ReadPhysicalDriveInfo>),
+    on<Schema::PhysicalDrive>(OPERATION_READ_EXTENDED_INFO, creatorOf<Operations::ReadSSDInfo>),
     on<Schema::PhysicalDrive>(OPERATION_READ_SCSI_COMMAND, creatorOf<Operations::ReadSCSICommand>),
     on<Schema::PhysicalDrive>(OPERATION_WRITE_SCSI_COMMAND, creatorOf<Operations::WriteSCSICommand>),
     on<Schema::PhysicalDrive>(OPERATION_DISCOVER_PHYS, creatorOf<Operations::DiscoverPhy>),
@@ -95,7 +101,7 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::PhysicalDrive>(OPERATION_WRITE_DEVICE_BLINK),
     on<Schema::PhysicalDrive>(OPERATION_SEND_ATA_COMMAND, creatorOf<Operations::SendATACommand>),
 
-    on<Schema::NonVaultlinePhysicalDrive>(OPERATION_READ_EXTENDED_INFO),
+    on<Schema::NonVaultlinePhysicalDrive>(OPERATION_READ_EXTENDED_INFO, creatorOf<Operations::ReadSSDInfo>),
     on<Schema::NonVaultlinePhysicalDrive>(OPERATION_SEND_ATA_COMMAND, creatorOf<Operations::SendATACommand>),
     on<Schema::NonVaultlinePhysicalDrive>(OPERATION_WRITE_SCSI_COMMAND,
                                           creatorOf<Operations::WriteSCSICommand>),
@@ -107,12 +113,14 @@ constexpr Core::OperationRow OPERATIONS[] = {
     on<Schema::StorageEnclosure>(OPERATION_DISCOVER_DRIVE_CAGES, creatorOf<Operations::DiscoverDriveCage>),
     on<Schema::StorageEnclosure>(OPERATION_DISCOVER_EXPANDERS, creatorOf<Operations::DiscoverExpander>),
     on<Schema::StorageEnclosure>(OPERATION_DISCOVER_SEPS, creatorOf<Operations::DiscoverSEP>),
-    on<Schema::StorageEnclosure>(OPERATION_DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES),
+    on<Schema::StorageEnclosure>(OPERATION_DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES,
+                                 creatorOf<Operations::DiscoverNonVaultlinePhysicalDrive>),
     on<Schema::StorageEnclosure>(OPERATION_WRITE_DEVICE_BLINK),
 
     on<Schema::HostBusAdapter>(OPERATION_DISCOVER_STORAGE_ENCLOSURES,
                                creatorOf<Operations::DiscoverStorageEnclosure>),
-    on<Schema::HostBusAdapter>(OPERATION_DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES),
+    on<Schema::HostBusAdapter>(OPERATION_DISCOVER_NON_VAULTLINE_PHYSICAL_DRIVES,
+                               creatorOf<Operations::DiscoverNonVaultlinePhysicalDrive>),
     on<Schema::HostBusAdapter>(OPERATION_DISCOVER_STORAGE_VOLUMES),
 
     on<Schema::StorageVolume>(OPERATION_ASSOCIATION_STORAGE_VOLUME_DEVICE),

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <cstddef>
 #include <iterator>
 
 #include "common/debug_logger.h"
@@ -49,17 +50,31 @@ Schema::CageLocation placeOfBoxIndex(std::uint8_t boxIndex) {
             static_cast<std::uint8_t>(boxIndex & 0x0F)};
 }
 
+Schema::PhysicalDriveMap installedDrives(SenseBox const& sense) {
+    Parameters const& record = sense.record();
+    auto const reply =
+        sense.buffer().first(std::min<std::size_t>(sense.receivedLength(), sense.buffer().size()));
+    Schema::PhysicalDriveMap map;
+    map.InitializeDriveMap(reply, offsetof(Parameters, pbBigInstalledDriveMap),
+                           fromWire<std::uint16_t>(record.wOffsetToExtendedInstalledDriveMap),
+                           fromWire<std::uint16_t>(record.wMaximumPhysicalDevicesSupported));
+    return map;
+}
+
 std::vector<Box> walkBoxes(BMICDevice& controller) {
-    std::vector<Box> boxes;
     SenseControllerCommand<IdentifyControllerTrait> identify;
-    if (!identify(controller)) return boxes;
+    return identify(controller) ? walkBoxes(controller, identify.record()) : std::vector<Box>();
+}
+
+std::vector<Box> walkBoxes(BMICDevice& controller, Records::IDENTIFY_CONTROLLER const& identify) {
+    std::vector<Box> boxes;
     for (std::uint8_t bus = 0; bus < BUSES; ++bus) {
-        std::bitset<BOXES_PER_BUS> marked(*portStatus(identify.record(), bus));
+        std::bitset<BOXES_PER_BUS> marked(*portStatus(identify, bus));
         for (std::uint8_t target = 0; target < BOXES_PER_BUS; ++target) {
             if (!marked[target]) continue;
             SenseBox sense(bus, target);
             if (!sense(controller)) continue;
-            boxes.push_back({{bus, target}, sense.recordCopy()});
+            boxes.push_back({{bus, target}, sense.recordCopy(), installedDrives(sense)});
             for (unsigned behind = STATUS_BITS; behind < BOXES_PER_BUS; ++behind) {
                 if (bit(sense.record().pbBigBoxMap, behind)) marked.set(behind);
             }

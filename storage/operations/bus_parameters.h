@@ -27,7 +27,11 @@ inline constexpr unsigned BOXES_PER_BUS = 16;
 struct Box {
     Schema::CageLocation place;
     Common::copy_ptr<Records::SENSE_BUS_PARAMETERS> parameters;
+    Schema::PhysicalDriveMap installedDrives;
 };
+
+/// The drives in the bays of a place, out of its reply.
+Schema::PhysicalDriveMap installedDrives(SenseBox const& sense);
 
 /// ((bus + 1) * 16) | target in eight bits, and back.
 std::uint8_t boxIndexOf(std::uint8_t bus, std::uint8_t target);
@@ -37,6 +41,8 @@ Schema::CageLocation placeOfBoxIndex(std::uint8_t boxIndex);
 /// each bus and a bit for each target up to 7, and those behind them that a box's own map adds to its bus. A
 /// place that doesn't answer is passed over.
 std::vector<Box> walkBoxes(BMICDevice& controller);
+/// The same for those who have the identify record.
+std::vector<Box> walkBoxes(BMICDevice& controller, Records::IDENTIFY_CONTROLLER const& identify);
 
 /// Whether an enclosure is at a place. `family` is the controller's ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY.
 /// Whatever has bays is one: every bus that the walk reaches is a bus of boxes.

@@ -1,7 +1,5 @@
 #include "storage/operations/discover_drive_cage.h"
 
-#include <cstddef>
-
 #include "storage/operations/bus_parameters.h"
 #include "storage/operations/publish.h"
 #include "storage/vocabulary/drive_cage.h"
@@ -14,15 +12,6 @@ using Parameters = Records::SENSE_BUS_PARAMETERS;
 
 /// Of a product text, the character that tells what part of a duplex box it is.
 constexpr unsigned DUPLEX_MARK = 15;
-
-Schema::PhysicalDriveMap installedDrives(SenseBox const& sense) {
-    Parameters const& record = sense.record();
-    Schema::PhysicalDriveMap map;
-    map.InitializeDriveMap(sense.buffer(), offsetof(Parameters, pbBigInstalledDriveMap),
-                           fromWire<std::uint16_t>(record.wOffsetToExtendedInstalledDriveMap),
-                           fromWire<std::uint16_t>(record.wMaximumPhysicalDevicesSupported));
-    return map;
-}
 
 void offerCage(Schema::StorageEnclosure& enclosure, Schema::CageLocation const& place,
                Parameters const& record, Schema::PhysicalDriveMap const& drives, char half) {

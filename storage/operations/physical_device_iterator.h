@@ -35,6 +35,8 @@ class HandleRange {
 class PhysicalDeviceIterator : public HandleRange {
   public:
     /// Device types of the report, codes of Core::SysMod::EnDeviceType.
+    static constexpr unsigned char DRIVE_TYPE = 0;
+    static constexpr unsigned char TAPE_TYPE = 1;
     static constexpr unsigned char EXPANDER_TYPE = 5;
     static constexpr unsigned char SEP_TYPE = 6;
 

@@ -48,19 +48,21 @@ void publishUnless(Core::Device& device, char const* attribute, char const* valu
     publishOrClear(device, attribute, std::strcmp(value, absent) == 0 ? "" : value);
 }
 
-BoxPath ownPath(Parameters const& parameters) {
-    return {memberText(parameters.sPhysicalPort), parameters.bPhysicalBox};
+template <class Record>
+BoxPath ownPath(Record const& record) {
+    return {memberText(record.sPhysicalPort), record.bPhysicalBox};
 }
 
 /// By the bits of the maps. Ports and boxes stand one behind the other in the record.
-BoxPath pathOf(Parameters const& parameters, unsigned number) {
-    static_assert(offsetof(Parameters, sMultiPathPort8) ==
-                  offsetof(Parameters, sMultiPathPort1) + (PATHS - 1) * PORT_SIZE);
-    static_assert(offsetof(Parameters, bMultiPathBox8) == offsetof(Parameters, bMultiPathBox1) + PATHS - 1);
-    auto const* const record = reinterpret_cast<unsigned char const*>(&parameters);
+template <class Record>
+BoxPath pathOf(Record const& record, unsigned number) {
+    static_assert(offsetof(Record, sMultiPathPort8) ==
+                  offsetof(Record, sMultiPathPort1) + (PATHS - 1) * PORT_SIZE);
+    static_assert(offsetof(Record, bMultiPathBox8) == offsetof(Record, bMultiPathBox1) + PATHS - 1);
+    auto const* const bytes = reinterpret_cast<unsigned char const*>(&record);
     char port[PORT_SIZE];
-    std::memcpy(port, record + offsetof(Parameters, sMultiPathPort1) + number * PORT_SIZE, PORT_SIZE);
-    return {memberText(port), record[offsetof(Parameters, bMultiPathBox1) + number]};
+    std::memcpy(port, bytes + offsetof(Record, sMultiPathPort1) + number * PORT_SIZE, PORT_SIZE);
+    return {memberText(port), bytes[offsetof(Record, bMultiPathBox1) + number]};
 }
 
 Common::string textOf(BoxPath const& path) {
@@ -106,7 +108,8 @@ Common::string portText(Common::string const& port, unsigned box) {
                                                               : text;
 }
 
-void publishPaths(Core::Device& enclosure, Parameters const& parameters) {
+template <class Record>
+void publishPaths(Core::Device& enclosure, Record const& parameters) {
     unsigned const present = parameters.bRedundantPathPresentMap;
     if (present == 0) return;
     std::vector<BoxPath> paths;
@@ -129,6 +132,9 @@ void publishPaths(Core::Device& enclosure, Parameters const& parameters) {
     publish(enclosure, Names::ATTR_NAME_IS_PATH_ACTIVE,
             isActive ? Names::ATTR_VALUE_IS_PATH_ACTIVE_TRUE : Names::ATTR_VALUE_IS_PATH_ACTIVE_FALSE);
 }
+
+template void publishPaths(Core::Device& device, Records::SENSE_BUS_PARAMETERS const& record);
+template void publishPaths(Core::Device& device, Records::PHYSICAL_DRIVE_STATUS const& record);
 
 void addPath(Core::Device& enclosure, Parameters const& parameters) {
     Common::string paths = enclosure.getValueFor(Names::ATTR_NAME_MULTI_DOMAIN_PATHS);

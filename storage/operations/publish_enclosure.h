@@ -21,9 +21,11 @@ struct BoxPath {
 /// (0xFF).
 Common::string portText(Common::string const& port, unsigned box);
 
-/// Of a box that has more paths than one: all of them as "port:box" with commas between, how they do, and
-/// whether the active one is the one under which the box was found. Nothing for another box.
-void publishPaths(Core::Device& enclosure, Records::SENSE_BUS_PARAMETERS const& parameters);
+/// Of a box or a drive that has more paths than one: all of them as "port:box" with commas between, how they
+/// do, and whether the active one is the one under which it was found. Nothing for another device. The record
+/// is SENSE_BUS_PARAMETERS or PHYSICAL_DRIVE_STATUS: members and attributes have the same names.
+template <class Record>
+void publishPaths(Core::Device& device, Record const& record);
 /// The same box was found under another place: adds that path, unless it is known.
 void addPath(Core::Device& enclosure, Records::SENSE_BUS_PARAMETERS const& parameters);
 

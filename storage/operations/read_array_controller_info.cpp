@@ -5,12 +5,10 @@
 #include "command/cache.h"
 #include "command/controller_command.h"
 #include "command/device_command_return.h"
-#include "command/logical_drive_command.h"
-#include "command/passing_condition.h"
-#include "common/debug_logger.h"
 #include "core/device_finder.h"
 #include "core/operation_context.h"
 #include "core/tolkmod.h"
+#include "storage/operations/configured_units.h"
 #include "storage/operations/controller_common.h"
 #include "storage/operations/identify_flags.h"
 #include "storage/operations/publish.h"
@@ -107,36 +105,12 @@ void publishModes(Schema::ArrayController& controller, IDENTIFY_CONTROLLER const
 
 /// A configuration of a newer major version was written by a newer stack than this one.
 void checkConfigurationVersions(Schema::ArrayController& controller, IDENTIFY_CONTROLLER const& identify) {
-    unsigned seen = 0;
-    for (std::uint16_t unit = 0;
-         seen < identify.bConfiguredLogicalDrives && unit < controller.maxLogicalUnits(); ++unit) {
-        SenseLogicalDriveCommand<SenseLogicalDriveConfigurationTrait> configuration(unit);
-        if (!configuration(controller)) {
-            // Nobody there, or it kept asking for a moment for as long as a command is repeated: the other
-            // units would take as long and end the same way.
-            if (!configuration.isDelivered() ||
-                isPassingCondition(configuration.bSenseKey(), configuration.bASC())) {
-                Common::DebugLogger::LogCommand(
-                    "Configuration of unit %u not read (status %d, sense key %u); ending the scan",
-                    static_cast<unsigned>(unit), static_cast<int>(configuration.i32LowLevelStatus()),
-                    static_cast<unsigned>(configuration.bSenseKey()));
-                return;
-            }
-            continue;
-        }
-        if (!holdsWhole(configuration, "Logical drive configuration")) {
-            continue;
-        }
-        if (configuration.record().wAssignedDrives == 0) {
-            continue;
-        }
-        ++seen;
-        if (configuration.record().bConfigModMajorVer > KNOWN_CONFIGURATION) {
-            controller.SetControllerStatusNotOk(
-                Names::ATTR_VALUE_CONTROLLER_STATE_NEED_UPDATED_STORAGEMOD_VERSION);
-            return;
-        }
-    }
+    forEachConfiguredUnit(controller, identify, [&](std::uint16_t, SenseConfiguration const& configuration) {
+        if (configuration.record().bConfigModMajorVer <= KNOWN_CONFIGURATION) return true;
+        controller.SetControllerStatusNotOk(
+            Names::ATTR_VALUE_CONTROLLER_STATE_NEED_UPDATED_STORAGEMOD_VERSION);
+        return false;
+    });
 }
 
 void fail(Core::OperationReturn& result) {

@@ -23,16 +23,6 @@ constexpr char const* DRIVE_TYPES[] = {
 /// do; the bits of all later maps are addressed behind it.
 constexpr unsigned short FIRST_MAP_INDEX = 128;
 
-unsigned short identifyIndex(Common::shared_ptr<Core::Device> device, unsigned short driveNumber) {
-    for (; device; device = device->pParent()) {
-        if (auto const* const controller = dynamic_cast<ArrayController const*>(device.get())) {
-            if (controller->smallDrivemapSupport()) return driveNumber;
-            break;
-        }
-    }
-    return static_cast<unsigned short>(driveNumber + FIRST_MAP_INDEX);
-}
-
 }  // namespace
 
 PhysicalDrive::PhysicalDrive(Common::string const& handle, unsigned short driveNumber, EnDriveType driveType)
@@ -43,14 +33,26 @@ PhysicalDrive::PhysicalDrive(Common::string const& handle, unsigned short driveN
     publish(*this, Names::PhysicalDrive::ATTR_NAME_DRIVE_TYPE, DRIVE_TYPES[driveType]);
 }
 
+unsigned short PhysicalDrive::identifyIndex(Common::shared_ptr<Core::Device> device,
+                                            unsigned short driveNumber) {
+    for (; device; device = device->pParent()) {
+        if (auto const* const controller = dynamic_cast<ArrayController const*>(device.get())) {
+            if (controller->smallDrivemapSupport()) return driveNumber;
+            break;
+        }
+    }
+    return static_cast<unsigned short>(driveNumber + FIRST_MAP_INDEX);
+}
+
 bool PhysicalDrive::identifyPhysicalDrive(Common::shared_ptr<Core::Device> device, BMICDevice& target,
                                           unsigned short const& driveNumber,
                                           Common::copy_ptr<Records::PHYSICAL_DRIVE_STATUS>& status,
-                                          Core::OperationReturn& result) {
+                                          Core::OperationReturn& result, unsigned* received) {
     if (!result) return true;
     IdentifyPhysicalDrive identify(identifyIndex(device, driveNumber));
     bool const answered = DeviceCommandReturn::executeCommand(identify, target, result);
     status = identify.recordCopy();
+    if (received != nullptr) *received = identify.receivedLength();
     return answered;
 }
 

@@ -26,7 +26,7 @@ constexpr char WITHOUT_DOWNTIME[] =
     R"({"supports_tofu": true, "identify": {"dwEvenMoreControllerFlags": 1024}})";
 
 /// What a pass sends to a controller in array mode; "x3": three in a row.
-constexpr char PASS[] = "12x2 66 11x3 66 82 c1 64 70 72 11 c3x2 11 ";
+constexpr char PASS[] = "12x2 66 11x3 66 82 c1 64 70 72 11 c3x2 11x2 ";
 /// One flash, with the address field of the flash command.
 constexpr char FLASH[] = "98 d3 d2x13 f7 99 ";
 constexpr char FLASH_NOW[] = "98 d3 d2x13 f7/2 99 ";

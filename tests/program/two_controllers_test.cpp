@@ -55,6 +55,7 @@ Strings const DISCOVERY = {
     "26000000000011020000 in 512",    // identify, for the boxes
     "c30200000000000000080000 in 8",  // physical devices, for the processors
     "c30200000000000000080000 in 8",  // those hidden from the host
+    "26000000000011020000 in 512",    // identify, for the drives
     "26000000000011020000 in 512",    // identify, bottom-up
 };
 

@@ -5,7 +5,6 @@
 #include <map>
 #include <optional>
 
-#include "simulator/kernel_records.h"
 #include "storage/operations/physical_device_iterator.h"
 #include "storage/operations/sep_models.h"
 #include "storage/operations/sep_utils.h"
@@ -13,14 +12,11 @@
 #include "storage/schema/array_controller.h"
 #include "storage/schema/enclosure.h"
 #include "storage/schema/sas_devices.h"
+#include "tests/storage/answers.h"
 #include "tests/storage/storage_fixture.h"
 
 namespace storage_test {
 namespace {
-
-void put(Bytes& record, std::size_t at, std::string const& text) {
-    std::copy(text.begin(), text.end(), record.begin() + static_cast<std::ptrdiff_t>(at));
-}
 
 /// The record of one place: nothing but blank texts.
 Bytes emptyPlace() {
@@ -41,102 +37,6 @@ Bytes box(std::string const& serial, std::string const& port = "1E", unsigned nu
     put(record, 268, serial);
     return record;
 }
-
-/// Stands before the machine's door and answers what it has a reply for; the rest is the machine's.
-class Answers : public Core::SysMod::SystemCalls {
-  public:
-    using Key = std::array<unsigned, 3>;  ///< of a management command: its byte, and bytes 2 and 3 (or 9)
-
-    explicit Answers(Core::SysMod::SystemCalls& door)
-        : m_door(door), m_previous(Core::SysMod::SetSystemCalls(this)) {}
-    ~Answers() override { Core::SysMod::SetSystemCalls(m_previous); }
-    Answers(Answers const&) = delete;
-    Answers& operator=(Answers const&) = delete;
-
-    std::map<Key, Bytes> management;  ///< what has none of these fails, of 0x65, 0x15 and 0x92
-    std::map<unsigned, std::map<unsigned, Bytes>> scsi;  ///< by first byte of the address and operation
-    ///< code; 0x107 is the element descriptor page
-    Bytes units;  ///< entries of the list of physical devices
-
-    void addUnit(unsigned index, unsigned type, unsigned mode = 0x40) {
-        Bytes entry(32);
-        entry[0] = static_cast<std::uint8_t>(index);
-        entry[3] = static_cast<std::uint8_t>(mode);
-        put(entry, 8, "\x50\x01\x02\x03\x04\x05\x06");
-        entry[15] = static_cast<std::uint8_t>(index);
-        entry[24] = static_cast<std::uint8_t>(index >> 8);
-        entry[25] = static_cast<std::uint8_t>(index);
-        entry[26] = static_cast<std::uint8_t>(type);
-        units.insert(units.end(), entry.begin(), entry.end());
-    }
-
-    int open(char const* path, int flags) override { return m_door.open(path, flags); }
-    int close(int descriptor) override { return m_door.close(descriptor); }
-    bool listDirectory(std::string const& path, std::vector<std::string>& names) override {
-        return m_door.listDirectory(path, names);
-    }
-    bool readFirstLine(std::string const& path, std::string& line) override {
-        return m_door.readFirstLine(path, line);
-    }
-    bool readFile(std::string const& path, std::string& contents, std::size_t limit) override {
-        return m_door.readFile(path, contents, limit);
-    }
-    bool readLink(std::string const& path, std::string& target) override {
-        return m_door.readLink(path, target);
-    }
-    int ioctl(int descriptor, unsigned long number, void* record) override {
-        simulator::Request const request = simulator::requestOf(number);
-        simulator::Command command;
-        std::string reason;
-        if (simulator::decodeRecord(request, record, command, reason) == 0) {
-            simulator::Reply reply;
-            if (answer(command, reply)) {
-                if (reply.data.size() > command.room()) reply.data.resize(command.room());
-                simulator::encodeReply(request, record, command, reply);
-                return 0;
-            }
-        }
-        return m_door.ioctl(descriptor, number, record);
-    }
-
-  private:
-    bool answer(simulator::Command const& command, simulator::Reply& reply) const {
-        auto const& block = command.block;
-        if (block.empty()) return false;
-        if (command.address != std::array<std::uint8_t, 8>{}) {
-            auto const unit = scsi.find(command.address[0]);
-            unsigned const operation = block[0] == 0x1C && block[2] == 7 ? 0x107U : block[0];
-            if (unit == scsi.end() || unit->second.count(operation) == 0) {
-                reply.scsiStatus = 2;
-                reply.commandStatus = 1;
-            } else {
-                reply.data = unit->second.at(operation);
-            }
-            return true;
-        }
-        if (block[0] == 0xC3) {
-            reply.data = Bytes(8);
-            reply.data[2] = static_cast<std::uint8_t>(units.size() >> 8);
-            reply.data[3] = static_cast<std::uint8_t>(units.size());
-            reply.data[4] = 2;
-            reply.data.insert(reply.data.end(), units.begin(), units.end());
-            return true;
-        }
-        if (block.size() < 10 || block[0] != 0x26) return false;
-        unsigned const code = block[6];
-        if (code != 0x65 && code != 0x15 && code != 0x92) return false;
-        auto const found = management.find({code, block[2], code == 0x65 ? block[3] : block[9]});
-        if (found == management.end()) {
-            reply.commandStatus = 4;  // invalid command
-        } else {
-            reply.data = found->second;
-        }
-        return true;
-    }
-
-    Core::SysMod::SystemCalls& m_door;
-    Core::SysMod::SystemCalls* m_previous;
-};
 
 class Enclosures : public StorageTest {
   protected:

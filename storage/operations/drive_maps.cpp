@@ -1,0 +1,94 @@
+#include "storage/operations/drive_maps.h"
+
+#include <algorithm>
+
+#include "command/controller_command.h"
+#include "command/device_command_return.h"
+#include "common/debug_logger.h"
+#include "core/tolkmod.h"
+#include "storage/operations/bus_parameters.h"
+#include "storage/operations/controller_common.h"
+#include "storage/operations/physical_device_iterator.h"
+#include "storage/operations/storage_system_finder.h"
+#include "storage/schema/array_controller.h"
+#include "storage/schema/enclosure.h"
+#include "storage/vocabulary/array_controller.h"
+
+namespace Operations {
+namespace {
+
+using Schema::PhysicalDriveMap;
+
+PhysicalDriveMap drivesInCages(Core::Device const& controller, BMICDevice& commands,
+                               Records::IDENTIFY_CONTROLLER const& identify) {
+    namespace Names = Interface::StorageMod::ArrayController;
+    Common::string const family = controller.getValueFor(Names::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY);
+    PhysicalDriveMap inCages;
+    for (Box const& box : walkBoxes(commands, identify)) {
+        if (isEnclosure(box, family)) inCages |= box.installedDrives;
+    }
+    return inCages;
+}
+
+PhysicalDriveMap onlyThoseOf(PhysicalDriveMap const& all, PhysicalDriveMap const& of) {
+    PhysicalDriveMap common(all.size());
+    for (unsigned short const number : all.numbers()) {
+        if (of.test(number)) common.set(number);
+    }
+    return common;
+}
+
+}  // namespace
+
+bool readDriveMaps(Core::Device& parent, BMICDevice& commands, DriveMaps& maps,
+                   Core::OperationReturn& result) {
+    SenseControllerCommand<IdentifyControllerTrait> identify;
+    DeviceCommandReturn::executeCommand(identify, commands, result);
+    if (result && !holdsWhole(identify, "Identify record")) {
+        result.Receive(Core::Attribute(Interface::TOLKMod::OperationReturn::ATTR_NAME_STATUS,
+                                       Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE));
+    }
+    if (!result) return false;
+    maps.identify = identify.recordCopy();
+    auto const reply =
+        identify.buffer().first(std::min<std::size_t>(identify.receivedLength(), identify.buffer().size()));
+    PhysicalDriveMap nonDisk;
+    nonDisk.InitializeDriveMap(PhysicalDriveMap::eNonDisk, reply);
+    if (auto const* const cage = dynamic_cast<Schema::DriveCage const*>(&parent)) {
+        maps.disks = cage->installedDriveList();
+        maps.disks -= nonDisk;
+        maps.others = onlyThoseOf(nonDisk, cage->installedDriveList());
+        return true;
+    }
+    maps.disks.InitializeDriveMap(PhysicalDriveMap::ePresent, reply);
+    maps.disks -= nonDisk;
+    maps.others = nonDisk;
+    // Without devices there is no need to ask where they are.
+    if (maps.disks.any() || maps.others.any()) {
+        PhysicalDriveMap const inCages = drivesInCages(parent, commands, *maps.identify);
+        maps.disks -= inCages;
+        maps.others -= inCages;
+    }
+    return true;
+}
+
+ListedDevices::ListedDevices(Common::shared_ptr<Core::Device> const& controller, unsigned char deviceType) {
+    auto const* const adapter = dynamic_cast<ConcreteSCSIDevice const*>(controller.get());
+    if (adapter == nullptr) return;
+    PhysicalDeviceIterator const devices(*adapter);
+    for (auto handle = devices.begin(deviceType); handle != devices.end(deviceType); ++handle) {
+        unsigned short const index = Core::SysMod::getDeviceIndex(*handle);
+        if (index >= m_handles.size()) m_handles.resize(index + 1U);
+        if (m_handles[index].empty()) m_handles[index] = *handle;
+    }
+}
+
+Common::string ListedDevices::handleOf(unsigned short index) const {
+    if (has(index)) return m_handles[index];
+    Common::DebugLogger::LogCommand(
+        "Drive %u can't be addressed: the list of physical devices has no device of that number and kind",
+        static_cast<unsigned>(index));
+    return Common::string();
+}
+
+}  // namespace Operations
