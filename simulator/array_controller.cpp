@@ -84,19 +84,22 @@ std::string formProblem(ArrayController::Management const& row, Command const& c
 }  // namespace
 
 ArrayController::ArrayController(DeviceFrame frame, Setup setup, ControllerFirmware firmware,
-                                 ControllerRecords records, CollectBuffer collected, ControllerUnits units)
+                                 ControllerRecords records, CollectBuffer collected, ControllerUnits units,
+                                 ControllerNvram nvram)
     : Device(std::move(frame)),
       m_setup(std::move(setup)),
       m_firmware(std::move(firmware)),
       m_records(std::move(records)),
       m_collected(std::move(collected)),
-      m_units(std::move(units)) {}
+      m_units(std::move(units)),
+      m_nvram(std::move(nvram)) {}
 
 std::string ArrayController::commandName(Command const& command) const {
     if (command.block.empty()) return "unknown";
     if (command.message)
         return command.block[0] == MESSAGE_SCAN ? "MESSAGE SCAN" : "MESSAGE " + hexByte(command.block[0]);
     if (isManagement(command)) {
+        if (command.block[6] == ControllerNvram::CODE) return ControllerNvram::commandName(command);
         Management const* row = findManagement(command.block[6]);
         return row != nullptr ? row->name : "BMIC " + hexByte(command.block[6]);
     }
@@ -138,6 +141,7 @@ ScsiTarget* ArrayController::targetOf(Command const& command) const {
 }
 
 Reply ArrayController::manage(Command const& command) {
+    if (command.block[6] == ControllerNvram::CODE) return m_nvram.execute(command);
     Management const* row = findManagement(command.block[6]);
     if (row == nullptr || row->run == nullptr) return checkCondition(5, ASC_INVALID_OPERATION_CODE);
     std::string const problem = formProblem(*row, command);
@@ -257,12 +261,14 @@ void ArrayController::restart(std::vector<std::string>& events) {
 nlohmann::json ArrayController::saveState() const {
     nlohmann::json state = m_firmware.save();
     state["paused"] = m_paused;
+    state["nvram"] = m_nvram.save();
     return state;
 }
 
 void ArrayController::loadState(nlohmann::json const& state) {
     m_firmware.load(state);
     m_paused = state.at("paused").get<bool>();
+    m_nvram.load(state.at("nvram"));
 }
 
 void ArrayController::summarise(DeviceSummary& row) {
@@ -270,6 +276,7 @@ void ArrayController::summarise(DeviceSummary& row) {
     row.running = m_firmware.running();
     row.stored = m_firmware.version(Rom::Active);
     row.inactive = m_firmware.version(Rom::Inactive);
+    row.nvram = m_nvram.contents();
     std::vector<std::string> words;
     if (m_firmware.restartNeeded()) words.push_back("restart needed");
     if (m_paused) words.push_back("paused");

@@ -2,6 +2,7 @@
 
 #include "simulator/collect_buffer.h"
 #include "simulator/controller_firmware.h"
+#include "simulator/controller_nvram.h"
 #include "simulator/controller_records.h"
 #include "simulator/controller_units.h"
 #include "simulator/device.h"
@@ -23,7 +24,7 @@ class ArrayController : public Device {
     };
 
     ArrayController(DeviceFrame frame, Setup setup, ControllerFirmware firmware, ControllerRecords records,
-                    CollectBuffer collected, ControllerUnits units);
+                    CollectBuffer collected, ControllerUnits units, ControllerNvram nvram);
 
     bool answers(Request request) const override {
         return request != Request::Unknown && request != Request::Csmi;
@@ -87,6 +88,7 @@ class ArrayController : public Device {
     ControllerRecords m_records;
     CollectBuffer m_collected;
     ControllerUnits m_units;
+    ControllerNvram m_nvram;
     bool m_paused = false;
 };
 

@@ -204,9 +204,11 @@ std::unique_ptr<Device> makeArrayController(DeviceFrame frame, Object const& obj
     place.device = frame.name;
     ControllerUnits units(object, place);
     ControllerFirmware rom(firmware, frame.name, object.at("family").text(IMAGE_FAMILY_SIZE), versions);
+    ControllerNvram nvram(object);
     CollectBuffer collected(firmware / (frame.name + ".collect"), setup.collectLimit);
     return std::make_unique<ArrayController>(std::move(frame), std::move(setup), std::move(rom),
-                                             std::move(records), std::move(collected), std::move(units));
+                                             std::move(records), std::move(collected), std::move(units),
+                                             std::move(nvram));
 }
 
 }  // namespace simulator
