@@ -2,7 +2,8 @@
 
 #include "common/process_mutex.h"
 
-/// Protects data of the management objects. Never held across a request to a device.
+/// Protects data of the management objects. Held across calls into a device only while a device class
+/// discovers, and then only the class's own.
 class InfoMgrMutex {
   public:
     void Take() { m_mutex.Lock(); }
