@@ -120,11 +120,23 @@ Row const ROWS[] = {
     {"AnotherModel", TR56, 2, NO_FAULT, 1, STORED, {{2045, 2}, {2046, 7}}, 0, 0, ""},
 };
 
-/// What the first flash logged behind its return code.
-std::string followUp(PackageRun const& package) {
+/// Every controller of this maker is chosen.
+void choose(PackageRun const& package, json const& machine) {
+    writeText(package.directory() / "machine.json", machine.dump());
+    package.resetMachine();
+    writeText(
+        package.directory() / "dogwood.xml",
+        "<ksl_package><sw_keys><sw_keys_and><sw_key name=\"33\"/></sw_keys_and></sw_keys></ksl_package>");
+}
+
+/// What a flash logged behind its return code; the controllers' flashes come in pairs.
+std::string followUp(PackageRun const& package, unsigned flash = 0) {
     std::string log = std::regex_replace(package.verboseLog(), std::regex("0x[0-9a-f]{6,}"), "HANDLE");
     std::string const code = "Operation return code:0\n\n";
-    std::size_t const begin = log.find(code) + code.size();
+    std::size_t begin = log.find(code) + code.size();
+    for (; flash != 0; --flash) {
+        begin = log.find(code, begin) + code.size();
+    }
     return log.substr(begin, log.find("DiscoveryInfo: ", begin) - begin);
 }
 
@@ -139,11 +151,7 @@ TEST_P(BootStrap, FollowsTheFlash) {
     device["name"] = "only";
     device["pci"]["subsystem_device"] = row.subsystem;
     device["nvram"] = {{"2045", row.stored}, {"0x7FE", 7}};
-    writeText(package.directory() / "machine.json", machine.dump());
-    package.resetMachine();
-    writeText(
-        package.directory() / "dogwood.xml",
-        "<ksl_package><sw_keys><sw_keys_and><sw_key name=\"33\"/></sw_keys_and></sw_keys></ksl_package>");
+    choose(package, machine);
     std::vector<std::string> const faults(*row.fault == 0 ? 0 : 1, row.fault);
     EXPECT_EQ(package.flash({"-s"}, "", faults).status, row.status);
     EXPECT_EQ(package.firmware("only"), row.state);
@@ -158,6 +166,29 @@ TEST_P(BootStrap, FollowsTheFlash) {
     EXPECT_EQ(reads, row.reads);
     EXPECT_EQ(writes, row.writes);
     EXPECT_EQ(followUp(package), row.log);
+}
+
+/// The second controller is found behind the first, by its serial number.
+TEST(BootStraps, OfTwoControllersAreTheirOwn) {
+    PackageRun const package("two-controllers");
+    json machine = json::parse(readText(package.directory() / "machine.json"));
+    char const* const subsystems[] = {TR57, TR57I};
+    for (unsigned i = 0; i < 2; ++i) {
+        machine["devices"][i]["pci"]["subsystem_device"] = subsystems[i];
+        machine["devices"][i]["firmware"] = "6.40";
+        machine["devices"][i]["nvram"] = {{"2045", i + 1}, {"2046", 7}};
+    }
+    choose(package, machine);
+    EXPECT_EQ(package.flash({"-s"}).status, 1);
+    EXPECT_EQ(package.devices()[0].nvram, (Nvram{{2045, 1}, {2046, 7}}));
+    EXPECT_EQ(package.devices()[1].nvram, Nvram{});
+    EXPECT_EQ(followUp(package), FOUND READ("1"));
+    EXPECT_EQ(followUp(package, 3), FOUND
+              "\n****** Controller Discovery End Handle: HANDLE ******\n"
+              "****** Controller Found!        Handle: HANDLE ******\n\n\tSenseSubsysInfo...\n\tCalling "
+              "InfoMgrControlObject... for Vaultline controller HANDLE. Command type: "
+              "0x8001\n\tInfoMgrControlObject Return Status: 0\n\t Controller Serial Number = "
+              "VQ5C3355B002" READ("0") COUNTED WRITTEN WRITTEN);
 }
 
 INSTANTIATE_TEST_SUITE_P(Branches, BootStrap, ::testing::ValuesIn(ROWS),
