@@ -85,20 +85,22 @@ std::string formProblem(ArrayController::Management const& row, Command const& c
 
 ArrayController::ArrayController(DeviceFrame frame, Setup setup, ControllerFirmware firmware,
                                  ControllerRecords records, CollectBuffer collected, ControllerUnits units,
-                                 ControllerParts parts)
+                                 ControllerParts parts, ControllerNvram nvram)
     : Device(std::move(frame)),
       m_setup(std::move(setup)),
       m_firmware(std::move(firmware)),
       m_records(std::move(records)),
       m_collected(std::move(collected)),
       m_units(std::move(units)),
-      m_parts(std::move(parts)) {}
+      m_parts(std::move(parts)),
+      m_nvram(std::move(nvram)) {}
 
 std::string ArrayController::commandName(Command const& command) const {
     if (command.block.empty()) return "unknown";
     if (command.message)
         return command.block[0] == MESSAGE_SCAN ? "MESSAGE SCAN" : "MESSAGE " + hexByte(command.block[0]);
     if (isManagement(command)) {
+        if (command.block[6] == ControllerNvram::CODE) return ControllerNvram::commandName(command);
         Management const* row = findManagement(command.block);
         return row != nullptr ? row->name : "BMIC " + hexByte(command.block[6]);
     }
@@ -140,6 +142,7 @@ ScsiTarget* ArrayController::targetOf(Command const& command) const {
 }
 
 Reply ArrayController::manage(Command const& command) {
+    if (command.block[6] == ControllerNvram::CODE) return m_nvram.execute(command);
     Management const* row = findManagement(command.block);
     if (row == nullptr || row->run == nullptr) return checkCondition(5, ASC_INVALID_OPERATION_CODE);
     std::string const problem = formProblem(*row, command);
@@ -264,6 +267,7 @@ nlohmann::json ArrayController::saveState() const {
     nlohmann::json state = m_firmware.save();
     state["paused"] = m_paused;
     state["parts"] = m_parts.save();
+    state["nvram"] = m_nvram.save();
     return state;
 }
 
@@ -271,6 +275,7 @@ void ArrayController::loadState(nlohmann::json const& state) {
     m_firmware.load(state);
     m_paused = state.at("paused").get<bool>();
     m_parts.load(state.at("parts"));
+    m_nvram.load(state.at("nvram"));
 }
 
 void ArrayController::summarise(DeviceSummary& row) {
@@ -278,6 +283,7 @@ void ArrayController::summarise(DeviceSummary& row) {
     row.running = m_firmware.running();
     row.stored = m_firmware.version(Rom::Active);
     row.inactive = m_firmware.version(Rom::Inactive);
+    row.nvram = m_nvram.contents();
     std::vector<std::string> words;
     if (m_firmware.restartNeeded()) words.push_back("restart needed");
     if (m_paused) words.push_back("paused");

@@ -2,6 +2,7 @@
 
 #include "simulator/collect_buffer.h"
 #include "simulator/controller_firmware.h"
+#include "simulator/controller_nvram.h"
 #include "simulator/controller_parts.h"
 #include "simulator/controller_records.h"
 #include "simulator/controller_units.h"
@@ -24,7 +25,8 @@ class ArrayController : public Device {
     };
 
     ArrayController(DeviceFrame frame, Setup setup, ControllerFirmware firmware, ControllerRecords records,
-                    CollectBuffer collected, ControllerUnits units, ControllerParts parts);
+                    CollectBuffer collected, ControllerUnits units, ControllerParts parts,
+                    ControllerNvram nvram);
 
     bool answers(Request request) const override {
         return request != Request::Unknown && request != Request::Csmi;
@@ -96,6 +98,7 @@ class ArrayController : public Device {
     CollectBuffer m_collected;
     ControllerUnits m_units;
     ControllerParts m_parts;
+    ControllerNvram m_nvram;
     bool m_paused = false;
 };
 

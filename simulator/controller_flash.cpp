@@ -210,10 +210,11 @@ std::unique_ptr<Device> makeArrayController(DeviceFrame frame, Object const& obj
     ControllerUnits units(object, place);
     ControllerParts parts(object, firmware, frame.name);
     ControllerFirmware rom(firmware, frame.name, object.at("family").text(IMAGE_FAMILY_SIZE), versions);
+    ControllerNvram nvram(object);
     CollectBuffer collected(firmware / (frame.name + ".collect"), setup.collectLimit);
     return std::make_unique<ArrayController>(std::move(frame), std::move(setup), std::move(rom),
                                              std::move(records), std::move(collected), std::move(units),
-                                             std::move(parts));
+                                             std::move(parts), std::move(nvram));
 }
 
 }  // namespace simulator

@@ -15,6 +15,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -36,6 +37,7 @@ struct DeviceSummary {
     std::string stored;    ///< firmware version in the active ROM: what runs after a restart
     std::string inactive;  ///< firmware version in the inactive ROM
     std::string state;     ///< words joined by ", ": "restart needed", "paused", "vanished"; else "ok"
+    std::map<unsigned, unsigned> nvram;  ///< of a controller: the bytes that aren't zero, by offset
 };
 
 enum class Rom { Active, Inactive };

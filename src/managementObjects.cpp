@@ -1,41 +1,155 @@
 #include "src/managementObjects.h"
 
-#include "src/CLI.h"
+#include <algorithm>
+#include <cstring>
 
-NvramAccess* gblNvramAccess = nullptr;
+#include "infomgr/request_records.h"
+#include "src/CLI.h"
 
 namespace {
 
-constexpr int REFUSED = -1;
+constexpr std::uint32_t ERROR_SIZE = 255;
 
-bool isReachable(HMGMTOBJECT controller, char const* routine) {
-    if (gblNvramAccess != nullptr && controller != nullptr) {
-        return true;
+constexpr unsigned char MANAGEMENT_READ = 0x26;
+constexpr unsigned char MANAGEMENT_WRITE = 0x27;
+
+constexpr unsigned char SENSE_SUBSYSTEM_INFORMATION = 0x66;
+constexpr std::uint32_t SUBSYSTEM_SIZE = 1024;
+constexpr std::size_t SERIAL_NUMBER = 44;
+constexpr std::size_t SERIAL_NUMBER_SIZE = 32;
+
+constexpr std::uint32_t NVRAM_SIZE = 2048;
+constexpr std::size_t BOOT_STRAP = 0x7FD;
+/// What NVRAM doesn't bring back is like a byte that nobody ever wrote.
+constexpr unsigned char UNREAD = 255;
+constexpr std::uint32_t NVRAM_BLOCK_SIZE = 16;
+
+/// Direction words of the pass-through, and the flags that follow from their bits.
+constexpr std::uint32_t READ_DIRECTION = 0x40;
+constexpr std::uint32_t WRITE_DIRECTION = 0x80;
+constexpr std::uint32_t EVERY_FLAG_WORD = 0x80;
+constexpr struct {
+    std::uint32_t direction;
+    std::uint32_t flag;
+} FLAGS[] = {{0x04, 0x01}, {0x80, 0x04}, {0x02, 0x02}};
+
+std::uint32_t flagsOf(std::uint32_t direction) {
+    std::uint32_t flags = EVERY_FLAG_WORD;
+    for (auto const& row : FLAGS) {
+        flags |= (direction & row.direction) != 0 ? row.flag : 0;
     }
-    cli.logVerbose("%s: no management object, expected a handle from getHandle\n", routine);
-    return false;
+    return flags;
+}
+
+/// Commands that the pass-through form reports as done: all the bytes, or fewer than asked for.
+bool isDone(std::uint16_t status) {
+    return status == 0 || status == 2;
+}
+
+void fillNvramBlock(unsigned char (&block)[NVRAM_BLOCK_SIZE], unsigned char operation) {
+    block[0] = operation;
+    block[6] = 0x42;
+    block[8] = 0xD4;
+    block[9] = 1;
+}
+
+/// Sends a command block to the controller's NVRAM. The status of the request itself is told and not
+/// returned.
+int sendNvramCommand(HMGMTOBJECT controller, std::uint32_t kind, std::uint32_t direction,
+                     unsigned char (&block)[NVRAM_BLOCK_SIZE], unsigned char* data, std::uint32_t size) {
+    unsigned char error[ERROR_SIZE] = {};
+    _INFOMGR_SCSI_REQUEST request = {};
+    request.command = block;
+    request.commandLength = sizeof block;
+    request.data = data;
+    request.dataLength = size;
+    request.flags = flagsOf(direction);
+    request.error = error;
+    request.errorLength = sizeof error;
+    int const status = InfoMgrControlObject(controller, InfoMgr::SCSI_FUNCTION, kind, &request,
+                                            _INFOMGR_SCSI_REQUEST::LENGTH, nullptr, nullptr);
+    if (!isDone(request.status)) {
+        cli.logVerbose("Scsi command Falied %d", request.status);
+    }
+    return status;
+}
+
+std::string trimmed(std::string const& text) {
+    std::size_t const begin = text.find_first_not_of(' ');
+    return begin == std::string::npos ? std::string()
+                                      : text.substr(begin, text.find_last_not_of(' ') - begin + 1);
 }
 
 }  // namespace
 
 HMGMTOBJECT getHandle(std::string const& serial) {
-    if (gblNvramAccess == nullptr) {
+    HMGMTOBJECT root = nullptr;
+    if (InfoMgrOpenObject(nullptr, InfoMgr::STORAGE_CLASS, &root, nullptr, nullptr) != InfoMgr::SUCCESS) {
         cli.logVerbose("InfoMgrOpenObject failed");
         return nullptr;
     }
-    return gblNvramAccess->open(serial);
+    for (std::uint32_t index = 0;; ++index) {
+        HMGMTOBJECT controller = nullptr;
+        int const status =
+            InfoMgrEnumObject(root, InfoMgr::ARRAY_CONTROLLER, index, &controller, nullptr, nullptr);
+        if (status == InfoMgr::NO_MORE || status < 0) {
+            return nullptr;
+        }
+        if (status != InfoMgr::SUCCESS) {
+            continue;
+        }
+        cli.logVerbose("****** Controller Found!        Handle: %p ******\n", controller);
+        if (SenseSubsystemInformation(controller) == serial && !serial.empty()) {
+            return controller;
+        }
+        cli.logVerbose("\n****** Controller Discovery End Handle: %p ******\n", controller);
+    }
 }
 
 std::string SenseSubsystemInformation(HMGMTOBJECT controller) {
-    return isReachable(controller, "SenseSubsystemInformation") ? gblNvramAccess->serialNumber(controller)
-                                                                : std::string();
+    // As a whole command block this is 26 00 00 00 00 00 66 02 00 00; its form carries bytes 1 to 6, and the
+    // length of the block follows from the buffer's.
+    unsigned char data[SUBSYSTEM_SIZE] = {};
+    unsigned char error[ERROR_SIZE] = {};
+    _INFOMGR_BMIC_REQUEST request = {};
+    request.opcode = SENSE_SUBSYSTEM_INFORMATION;
+    request.data = data;
+    request.dataLength = sizeof data;
+    request.error = error;
+    request.errorLength = sizeof error;
+    cli.logVerbose("\n\tSenseSubsysInfo...\n");
+    cli.logVerbose("\tCalling InfoMgrControlObject... for Vaultline controller %p. Command type: %#x\n",
+                   controller, InfoMgr::BMIC_FUNCTION);
+    int const status = InfoMgrControlObject(controller, InfoMgr::BMIC_FUNCTION, InfoMgr::READ_KIND, &request,
+                                            _INFOMGR_BMIC_REQUEST::LENGTH, nullptr, nullptr);
+    cli.logVerbose("\tInfoMgrControlObject Return Status: %d\n", status);
+    if (data[SERIAL_NUMBER] == 0) {
+        return {};
+    }
+    char const* const text = reinterpret_cast<char const*>(data + SERIAL_NUMBER);
+    // The device model tells the number without the blanks that fill the member.
+    std::string const serial = trimmed(std::string(text, strnlen(text, SERIAL_NUMBER_SIZE)));
+    cli.logVerbose("\t Controller Serial Number = %s", serial.c_str());
+    return serial;
 }
 
 int ReadNVRAMBootStrap(HMGMTOBJECT controller, unsigned char& value) {
-    return isReachable(controller, "ReadNVRAMBootStrap") ? gblNvramAccess->read(controller, value) : REFUSED;
+    unsigned char block[NVRAM_BLOCK_SIZE] = {};
+    fillNvramBlock(block, MANAGEMENT_READ);
+    unsigned char data[NVRAM_SIZE];
+    std::fill(std::begin(data), std::end(data), UNREAD);
+    int const status =
+        sendNvramCommand(controller, InfoMgr::READ_KIND, READ_DIRECTION, block, data, sizeof data);
+    value = data[BOOT_STRAP];
+    cli.logVerbose("\nThe ox7fd offset value is %d\n", value);
+    return status;
 }
 
 int writeNVRAMBootStrap(HMGMTOBJECT controller, unsigned char value, unsigned short offset) {
-    return isReachable(controller, "writeNVRAMBootStrap") ? gblNvramAccess->write(controller, value, offset)
-                                                          : REFUSED;
+    unsigned char block[NVRAM_BLOCK_SIZE] = {};
+    fillNvramBlock(block, MANAGEMENT_WRITE);
+    block[2] = static_cast<unsigned char>(offset);
+    block[3] = static_cast<unsigned char>(offset >> 8);
+    block[4] = 1;  // bytes
+    return sendNvramCommand(controller, InfoMgr::WRITE_KIND, WRITE_DIRECTION, block, &value, 1);
 }

@@ -2,32 +2,20 @@
 
 #include <string>
 
-/// A controller, as the management object stack knows it. Null is none.
-typedef void* HMGMTOBJECT;
+#include "infomgr/info_mgr_api.h"
 
-/// The way to a controller's NVRAM through the management object stack. Statuses are the stack's own: 0 is
-/// success.
-class NvramAccess {
-  public:
-    virtual ~NvramAccess() = default;
-    /// The controller of this serial number, or null. The handle stays open to the end of the process.
-    virtual HMGMTOBJECT open(std::string const& serial) = 0;
-    /// The controller's serial number; empty when it can't be told.
-    virtual std::string serialNumber(HMGMTOBJECT controller) = 0;
-    /// Reads the boot strap byte at offset 2045. `value` stays as it is when nothing was read.
-    virtual int read(HMGMTOBJECT controller, unsigned char& value) = 0;
-    virtual int write(HMGMTOBJECT controller, unsigned char value, unsigned short offset) = 0;
-};
-
-/// Provided by the management object stack, which keeps ownership. Null while there is none: then no
-/// controller can be reached.
-extern NvramAccess* gblNvramAccess;
+/// The way to a controller's NVRAM through the management objects. Nothing is kept or closed: the objects
+/// stay for the process.
 
 /// The controller of this serial number, or null, also when the management objects can't be opened at all.
+/// The first call looks for the machine's controllers; a device that doesn't answer is passed over. An empty
+/// serial number is no controller's.
 HMGMTOBJECT getHandle(std::string const& serial);
 
-/// The rest works on a handle from getHandle() and returns what NvramAccess says; -1, or an empty text, for a
-/// null handle.
+/// The controller's serial number without the blanks around it; empty when it can't be told.
 std::string SenseSubsystemInformation(HMGMTOBJECT controller);
+
+/// The boot strap byte at offset 2045, or 255 when it didn't arrive. Returns the status of the call
+/// (infomgr/info_mgr_api.h).
 int ReadNVRAMBootStrap(HMGMTOBJECT controller, unsigned char& value);
 int writeNVRAMBootStrap(HMGMTOBJECT controller, unsigned char value, unsigned short offset);

@@ -67,9 +67,12 @@ int exec(Arguments arguments) {
 }
 
 nlohmann::json toJson(simulator::DeviceSummary const& row) {
+    nlohmann::json nvram = nlohmann::json::object();
+    for (auto const& [offset, byte] : row.nvram)
+        nvram[std::to_string(offset)] = byte;
     return {{"name", row.name},         {"kind", row.kind},       {"node", row.node},
             {"product", row.product},   {"running", row.running}, {"stored", row.stored},
-            {"inactive", row.inactive}, {"state", row.state}};
+            {"inactive", row.inactive}, {"state", row.state},     {"nvram", nvram}};
 }
 
 void printTable(std::vector<Arguments> const& rows) {

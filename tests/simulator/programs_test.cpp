@@ -259,6 +259,9 @@ TEST_F(Programs, FaultsOfTheCommandLineStrike) {
 }
 
 TEST_F(Programs, ShowAndPowerCycle) {
+    Command write = management(0x42, Direction::Out, 1, 0, {2});
+    ASSERT_TRUE(simulator::fromHex("27 00 fd 07 01 00 42 00 d4 01 00 00 00 00 00 00", write.block));
+    ASSERT_EQ("good", outcome(send(ONE, write)));
     update(ONE, simulator::makeImage("DOGWOOD", "6.72", 20000, 5));
     EXPECT_EQ(
         "DEVICE  KIND              NODE             PRODUCT    RUNS  STORED  INACTIVE  STATE\n"
@@ -269,6 +272,7 @@ TEST_F(Programs, ShowAndPowerCycle) {
     json const rows = json::parse(machineProgram("show --json " + place().string()).output);
     EXPECT_EQ("6.72", rows[0]["running"]);
     EXPECT_EQ("ok", rows[0]["state"]);
+    EXPECT_EQ(json::parse(R"({"2045": 2})"), rows[0]["nvram"]);
     Outcome const lines = machineProgram("journal --json " + place().string());
     EXPECT_EQ(simulator::readText(place() / "journal.jsonl"), lines.output);
     EXPECT_NE(std::string::npos,

@@ -153,6 +153,87 @@ TEST_F(Records, EncryptionPagesAreZerosUnlessTheScenarioSetsThem) {
     EXPECT_EQ("5/24/0", outcome(send(ONE, sense(0x1E, 512, 2)))) << "no such page";
 }
 
+/// Commands to a controller's NVRAM, one after the other: each has sixteen bytes.
+TEST_F(Records, NvramIsReadWrittenJudgedAndKept) {
+    json scenario = twoControllers();
+    scenario["devices"][0]["nvram"] = {{"0", "0xA1"}, {"0x7FD", 2}, {"2047", 9}};
+    make(scenario);
+    struct {
+        char const* block;
+        Direction direction;
+        std::size_t size;
+        Bytes data;
+        char const* outcome;
+        char const* error;
+    } const rows[] = {
+        {"27 00 fd 07 02 00 42 00 d4 01 00 00 00 00 00 00", Direction::Out, 2, {0, 0xFE}, "good", ""},
+        {"27 00 ff 07 02 00 42 00 d4 01 00 00 00 00 00 00",
+         Direction::Out,
+         2,
+         {3, 4},
+         "5/24/0",
+         "offset 2047 and count 2, there are 2048 bytes"},
+        {"27 00 00 00 02 00 42 00 d4 01 00 00 00 00 00 00",
+         Direction::Out,
+         1,
+         {3},
+         "5/24/0",
+         "count 2, the buffer has 1"},
+        {"27 00 00 00 00 00 42 00 d4 01 00 00 00 00 00 00",
+         Direction::None,
+         0,
+         {},
+         "5/24/0",
+         "a write whose direction isn't out"},
+        {"27 00 00 00 01 00 42 00 d4 02 00 00 00 00 00 00",
+         Direction::Out,
+         1,
+         {3},
+         "5/24/0",
+         "byte 9 of the command block is 2, expected 1"},
+        {"27 00 00 00 01 00 42 00 d4 01",
+         Direction::Out,
+         1,
+         {3},
+         "5/24/0",
+         "a command block of 10 bytes, expected 16"},
+        {"26 00 00 00 00 00 42 00 d4 01 00 00 00 00 00 00",
+         Direction::In,
+         512,
+         {},
+         "5/24/0",
+         "a buffer of 512 bytes for a read, expected 2048"},
+        {"26 00 fd 07 00 00 42 00 d4 01 00 00 00 00 00 00",
+         Direction::In,
+         2048,
+         {},
+         "5/24/0",
+         "offset 2045 and count 0 of a read, expected 0 and 0"},
+        {"26 00 00 00 00 00 42 00 d4 01 00 00 00 00 00 00", Direction::In, 2048, {}, "good", ""},
+    };
+    Bytes read;
+    for (auto const& row : rows) {
+        Command command;
+        command.carrier = Carrier::PassThrough;
+        ASSERT_TRUE(simulator::fromHex(row.block, command.block));
+        command.direction = row.direction;
+        command.bufferSize = row.size;
+        command.dataOut = row.data;
+        Reply const reply = send(ONE, command);
+        EXPECT_EQ(row.outcome, outcome(reply)) << row.block;
+        EXPECT_EQ(row.error, reply.errors.empty() ? "" : reply.errors.front()) << row.block;
+        read = reply.data;
+    }
+    ASSERT_EQ(2048U, read.size());
+    EXPECT_EQ("a1 00", simulator::toHex(std::span(read).first(2), " "));
+    EXPECT_EQ("00 fe 09", simulator::toHex(std::span(read).last(3), " "));
+    machine->powerCycle();
+    std::map<unsigned, unsigned> const kept = {{0, 0xA1}, {2046, 0xFE}, {2047, 9}};
+    reopen();
+    EXPECT_EQ(kept, device("one").nvram);
+    EXPECT_TRUE(device("two").nvram.empty());
+}
+
 TEST_F(Records, UnsupportedCommandsAreIllegalRequests) {
     make(twoControllers());
     EXPECT_EQ("5/20/0", outcome(send(ONE, sense(0x17, 512)))) << "known by name";

@@ -43,8 +43,21 @@ INSTANTIATE_TEST_SUITE_P(
             "scenario.devices[0]: found the key \"famly\", expected one of board_power, boxes, cache, "
             "cache_firmware, cache_module, collect_limit, controller_parameters, drives, encryption, family, "
             "fast_path, firmware, i2c_nvram, identify, instance, kind, layout, logical_drives, mnp_status, "
-            "model, name, node_present, pci, physical_devices, power_mode, product, redundant_parameters, "
+            "model, name, node_present, nvram, pci, physical_devices, power_mode, product, "
+            "redundant_parameters, "
             "serial, subsystem, supports_tofu, surface_status, tapes, volumes"},
+        BadScenario{"NvramBehindItsEnd", REPLACE("/devices/0/nvram", "{\"2048\": 1}"),
+                    "scenario.devices[0].nvram, an offset: found 2048, expected a number from 0 to 2047, or "
+                    "such a number as a text like "
+                    "\"0x1F\""},
+        BadScenario{"NvramOffsetIsNone", REPLACE("/devices/0/nvram", "{\"-1\": 1}"),
+                    "scenario.devices[0].nvram, an offset: found \"-1\", expected a number from 0 to 2047, "
+                    "or such a number as a text like "
+                    "\"0x1F\""},
+        BadScenario{"NvramByteTooGreat", REPLACE("/devices/0/nvram", "{\"7\": 256}"),
+                    "scenario.devices[0].nvram.7: found 256, expected a number from 0 to 255, or such a "
+                    "number as a text like "
+                    "\"0x1F\""},
         BadScenario{"UnknownKind", REPLACE("/devices/1/kind", "\"toaster\""),
                     "scenario.devices[1].kind: found \"toaster\", expected one of array_controller, "
                     "csmi_adapter, pci_function"},

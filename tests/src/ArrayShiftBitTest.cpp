@@ -2,48 +2,63 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
-#include <vector>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
 
+#include "infomgr/info_mgr_root.h"
+#include "simulator/in_process_door.h"
+#include "src/managementObjects.h"
 #include "tests/src/FakeDevices.h"
 #include "tests/src/RunFixture.h"
 
 namespace {
 
-using Writes = std::vector<std::pair<unsigned short, int>>;  // offset, value
+using nlohmann::json;
+using Nvram = std::map<unsigned, unsigned>;  // offset, value
 
-/// One controller's NVRAM.
-class FakeNvram : public NvramAccess {
-  public:
-    HMGMTOBJECT open(std::string const& serial) override {
-        // A controller that can't tell its serial number answers to the empty one.
-        return serial == "SERIAL1" || serial.empty() ? static_cast<HMGMTOBJECT>(this) : nullptr;
-    }
-    std::string serialNumber(HMGMTOBJECT controller) override { return controller == this ? "SERIAL1" : ""; }
-    int read(HMGMTOBJECT controller, unsigned char& value) override {
-        EXPECT_EQ(controller, this);
-        if (stored >= 0) value = static_cast<unsigned char>(stored);
-        return readStatus;
-    }
-    int write(HMGMTOBJECT controller, unsigned char value, unsigned short offset) override {
-        EXPECT_EQ(controller, this);
-        writes.emplace_back(offset, value);
-        return writes.size() == 1 ? firstWriteStatus : secondWriteStatus;
-    }
+constexpr int NOT_OFFERED = static_cast<int>(0x80000004);
+constexpr int NO_OBJECT = static_cast<int>(0x80000008);
 
-    int stored = 0;  ///< negative: the read gives nothing
-    int readStatus = 0;
-    int firstWriteStatus = 0;
-    int secondWriteStatus = 0;
-    Writes writes;
-};
-
+/// A machine with two controllers, of which the second has the serial number SERIAL1.
 class ArrayShiftBitTest : public RunTest {
   protected:
-    ArrayShiftBitTest() : controller(fakeController()) {}
+    ArrayShiftBitTest() : controller(fakeController()) { make(0); }
+    ~ArrayShiftBitTest() override { leave(); }
+
+    /// The second byte of the pair is 7 unless it is written.
+    void make(int stored, char const* fault = "[]") {
+        leave();
+        json scenario = json::parse(R"({"devices": [
+            {"name": "other", "kind": "array_controller", "product": "P", "family": "F", "firmware": "1.00",
+             "serial": "SERIAL2", "pci": {"address": "0000:0b:00.0", "driver": "xqrth"}},
+            {"name": "one", "kind": "array_controller", "product": "P", "family": "F", "firmware": "1.00",
+             "serial": "SERIAL1", "pci": {"address": "0000:0c:00.0", "driver": "vqsa"}}]})");
+        scenario["devices"][1]["nvram"] = {{"2045", stored}, {"0x7FE", 7}};
+        simulator::Machine::create(directory() + "/machine", scenario);
+        machine = std::make_unique<simulator::Machine>(directory() + "/machine");
+        machine->addFaults(json::parse(fault), "the test's faults");
+        door = std::make_unique<simulator::InProcessDoor>(*machine);
+        InfoMgrRoot::Destroy();
+    }
+    void leave() {
+        InfoMgrRoot::Destroy();
+        door.reset();
+        machine.reset();
+    }
+    Nvram nvram() { return machine->devices()[1].nvram; }
+    std::size_t writes() {
+        std::size_t count = 0;
+        for (auto const& entry : machine->journal()) {
+            EXPECT_TRUE(entry.errors.empty()) << entry.errors.front();
+            count += entry.command == "WRITE NVRAM";
+        }
+        return count;
+    }
 
     Fake controller;
-    FakeNvram nvram;
+    std::unique_ptr<simulator::Machine> machine;
+    std::unique_ptr<simulator::InProcessDoor> door;
 };
 
 TEST_F(ArrayShiftBitTest, TwoModelsNeedIt) {
@@ -56,105 +71,148 @@ TEST_F(ArrayShiftBitTest, TwoModelsNeedIt) {
 }
 
 TEST_F(ArrayShiftBitTest, StrapFollowsWhatIsBehindTheController) {
-    Writes const small = {{2045, 2}, {2046, 254}};
-    Writes const large = {{2045, 0}, {2046, 0}};
-    Writes const none;
+    Nvram const small = {{2045, 2}, {2046, 254}};
+    Nvram const large;
     struct {
         int solidState, seps, drives;
         int stored;
-        Writes writes;
+        Nvram after;
+        std::size_t writes;
     } const cases[] = {
-        {0, 0, 1, 0, small}, {0, 1, 8, 0, small},   {0, 0, 1, 255, small}, {0, 0, 8, -1, small},
-        {0, 0, 8, 3, small}, {0, 0, 0, 0, large},   {0, 0, 9, 0, large},   {0, 2, 8, 0, large},
-        {1, 0, 8, 0, large}, {0, 0, 9, 255, large}, {0, 0, 8, 2, none},    {0, 0, 9, 2, large},
-        {1, 0, 8, 2, large}, {0, 0, 8, 1, none},    {0, 0, 9, 1, none},
+        {0, 0, 1, 0, small, 2},
+        {0, 1, 8, 0, small, 2},
+        {0, 0, 1, 255, small, 2},
+        {0, 0, 8, 3, small, 2},
+        {0, 0, 0, 0, large, 2},
+        {0, 0, 9, 0, large, 2},
+        {0, 2, 8, 0, large, 2},
+        {1, 0, 8, 0, large, 2},
+        {0, 0, 9, 255, large, 2},
+        {0, 0, 8, 2, {{2045, 2}, {2046, 7}}, 0},
+        {0, 0, 9, 2, large, 2},
+        {1, 0, 8, 2, large, 2},
+        {0, 0, 8, 1, {{2045, 1}, {2046, 7}}, 0},
+        {0, 0, 9, 1, {{2045, 1}, {2046, 7}}, 0},
     };
-    gblNvramAccess = &nvram;
     Device_Info& info = row("TR57", true, "SERIAL1");
     for (auto const& one : cases) {
         info.numSSD = one.solidState;
         info.numSeps = one.seps;
         info.numPhyDrives = one.drives;
-        nvram = FakeNvram();
-        nvram.stored = one.stored;
-        EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
-        EXPECT_EQ(nvram.writes, one.writes)
-            << one.solidState << " " << one.seps << " " << one.drives << " " << one.stored;
+        make(one.stored);
+        std::string const label = std::to_string(one.solidState) + " " + std::to_string(one.seps) + " " +
+                                  std::to_string(one.drives) + " " + std::to_string(one.stored);
+        EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0) << label;
+        EXPECT_EQ(nvram(), one.after) << label;
+        EXPECT_EQ(writes(), one.writes) << label;
     }
 }
 
+/// The status of the read and that of the second write count. What isn't read is 255, and is written over.
 TEST_F(ArrayShiftBitTest, FailuresOfTheReadAndOfTheSecondWriteCount) {
     struct {
-        int stored, readStatus, firstWrite, secondWrite;
+        int stored;
+        char const* faults;
         int result;
-        std::size_t writes;
+        Nvram after;
+        char const* log;
     } const cases[] = {
-        {0, 0, 0, 0, 0, 2},
-        {0, 0, 0, -7, 8, 2},
-        {0, 0, -7, 0, 0, 2},
-        {-1, 5, 0, 0, 8, 2},
-        {1, 5, 0, 0, 0, 0},  // the byte that is left as it is makes the failure of its
-                             // read good
-        {2, 5, 0, 0, 8, 0},
+        {0,
+         R"([{"match": {"command": "READ NVRAM"}, "action": {"errno": "EIO"}}])",
+         8,
+         {{2045, 2}, {2046, 254}},
+         "\nThe ox7fd offset value is 255\nReadNVRAMBootStrap retuns: -2147483643:byteValue 255\n"
+         "pDevInfo.numSSD: 0 pDevInfo.numSeps: 0 pDevInfo.numPhyDrives: 4\n"
+         "writeNVRAMBootStrap retuns: 0:byteValue 2\nwriteNVRAMBootStrap retuns: 0:byteValue 254\n"},
+        {2,
+         R"([{"match": {"command": "READ NVRAM"}, "action": {"scsi_status": 2, "sense": [5, 36, 0]}}])",
+         8,
+         {{2045, 2}, {2046, 254}},
+         "Scsi command Falied 1\nThe ox7fd offset value is 255\nReadNVRAMBootStrap retuns: -2147483643:"},
+        {1,
+         R"([{"match": {"command": "READ NVRAM"}, "action": {"truncate": 2045}}])",
+         0,
+         {{2045, 2}, {2046, 254}},
+         "ReadNVRAMBootStrap retuns: 0:byteValue 255\n"},
+        {1,
+         R"([{"match": {"command": "READ NVRAM"}, "action": {"truncate": 2046}}])",
+         0,
+         {{2045, 1}, {2046, 7}},
+         "ReadNVRAMBootStrap retuns: 0:byteValue 1\n"},
+        {0,
+         R"([{"match": {"command": "WRITE NVRAM", "nth": 1}, "action": {"command_status": 4}}])",
+         0,
+         {{2046, 254}},
+         "Scsi command Falied 4writeNVRAMBootStrap retuns: -2147483643:byteValue 2\n"
+         "writeNVRAMBootStrap retuns: 0:byteValue 254\n"},
+        {0,
+         R"([{"match": {"command": "WRITE NVRAM", "nth": 2}, "action": {"errno": "ENODEV"}}])",
+         8,
+         {{2045, 2}, {2046, 7}},
+         "writeNVRAMBootStrap retuns: -2147483643:byteValue 254\n"},
     };
-    gblNvramAccess = &nvram;
     row("TR57", true, "SERIAL1").numPhyDrives = 4;
     for (auto const& one : cases) {
-        nvram = FakeNvram();
-        nvram.stored = one.stored;
-        nvram.readStatus = one.readStatus;
-        nvram.firstWriteStatus = one.firstWrite;
-        nvram.secondWriteStatus = one.secondWrite;
-        EXPECT_EQ(setArrayShiftBit(controller, "TR57"), one.result) << one.stored << " " << one.readStatus;
-        EXPECT_EQ(nvram.writes.size(), one.writes);
+        make(one.stored, one.faults);
+        EXPECT_EQ(setArrayShiftBit(controller, "TR57"), one.result) << one.faults;
+        EXPECT_EQ(nvram(), one.after) << one.faults;
+        std::string const log = takeVerboseLog();
+        EXPECT_NE(log.find(one.log), std::string::npos) << log;
     }
-    std::string const log = takeVerboseLog();
-    EXPECT_NE(log.find("ReadNVRAMBootStrap retuns: 5:byteValue 255\n"
-                       "pDevInfo.numSSD: 0 pDevInfo.numSeps: 0 pDevInfo.numPhyDrives: 4\n"
-                       "writeNVRAMBootStrap retuns: 0:byteValue 2\n"
-                       "writeNVRAMBootStrap retuns: 0:byteValue 254\n"),
-              std::string::npos)
-        << log;
 }
 
 // Every controller is flashed twice, and both calls do the work: the mark is set on a copy of the row.
 TEST_F(ArrayShiftBitTest, MarkDoesNotReachTheRow) {
-    gblNvramAccess = &nvram;
     Device_Info& info = row("TR57", true, "SERIAL1");
     EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
     EXPECT_FALSE(info.alreadyFlashed);
     EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
-    EXPECT_EQ(nvram.writes.size(), 4u);
+    EXPECT_EQ(writes(), 4u);
     info.alreadyFlashed = true;
     EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
-    EXPECT_EQ(nvram.writes.size(), 4u);
+    EXPECT_EQ(writes(), 4u);
 }
 
 TEST_F(ArrayShiftBitTest, ControllerThatCannotBeReachedIsReported) {
     EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 10) << "no row";
-    row("TR57", true, "SERIAL1");
-    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 10) << "no management objects";
-    EXPECT_TRUE(verboseLogHas("InfoMgrOpenObject failed"));
-    gblNvramAccess = &nvram;
-    row("TR57", true, "SERIAL2");
-    Fake const other = fakeController({{"ATTR_NAME_CONTROLLER_SERIAL_NUMBER", "SERIAL2"}});
-    EXPECT_EQ(setArrayShiftBit(other, "TR57"), 10) << "no controller of this serial number";
+    row("TR57", true, "SERIAL3");
+    Fake const absent = fakeController({{"ATTR_NAME_CONTROLLER_SERIAL_NUMBER", "SERIAL3"}});
+    EXPECT_EQ(setArrayShiftBit(absent, "TR57"), 10) << "no controller of this serial number";
     // The row of a cache module has an empty serial number: it isn't this controller's.
     row("FBWC", true, "");
     EXPECT_EQ(setArrayShiftBit(fakeController({}), "TR57"), 10);
-    EXPECT_TRUE(nvram.writes.empty());
+    row("TR57", true, "SERIAL1");
+    for (char const* fault : {
+             R"([{"match": {"device": "one", "command": "INQUIRY"}, "action": {"errno": "EIO"}}])",
+             R"([{"match": {"device": "one", "command": "0x66"}, "action": {"scsi_status": 8}}])",
+             R"([{"match": {"device": "one", "command": "0x66"}, "action": {"truncate": 50}}])",
+         }) {
+        make(0, fault);
+        EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 10) << fault;
+        EXPECT_EQ(writes(), 0u);
+    }
+    std::filesystem::remove_all(machine->root() / "sys/bus/pci");
+    InfoMgrRoot::Destroy();
+    takeVerboseLog();
+    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 10) << "no management objects";
+    EXPECT_TRUE(verboseLogHas("InfoMgrOpenObject failed"));
 }
 
-TEST_F(ArrayShiftBitTest, NoHandleNoAccess) {
-    unsigned char value = 0x5A;
-    for (NvramAccess* access : {static_cast<NvramAccess*>(nullptr), static_cast<NvramAccess*>(&nvram)}) {
-        gblNvramAccess = access;
-        EXPECT_EQ(ReadNVRAMBootStrap(nullptr, value), -1);
-        EXPECT_EQ(writeNVRAMBootStrap(nullptr, 2, 2045), -1);
-        EXPECT_EQ(SenseSubsystemInformation(nullptr), "");
-    }
-    EXPECT_EQ(value, 0x5A);
+TEST_F(ArrayShiftBitTest, HandlesComeFromGetHandleAlone) {
     EXPECT_EQ(SenseSubsystemInformation(getHandle("SERIAL1")), "SERIAL1");
+    EXPECT_EQ(getHandle(""), nullptr);
+    EXPECT_EQ(getHandle("SERIAL"), nullptr);
+    HMGMTOBJECT const stale = getHandle("SERIAL1");
+    InfoMgrRoot::Destroy();
+    for (auto const& [handle, refusal] :
+         std::map<HMGMTOBJECT, int>{{nullptr, NOT_OFFERED}, {stale, NO_OBJECT}, {&controller, NO_OBJECT}}) {
+        unsigned char value = 0x5A;
+        EXPECT_EQ(ReadNVRAMBootStrap(handle, value), refusal);
+        EXPECT_EQ(value, 255);
+        EXPECT_EQ(writeNVRAMBootStrap(handle, 2, 2045), refusal);
+        EXPECT_EQ(SenseSubsystemInformation(handle), "");
+    }
+    EXPECT_EQ(writes(), 0u);
 }
 
 }  // namespace

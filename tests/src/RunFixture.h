@@ -8,7 +8,6 @@
 #include "src/deviceTags.h"
 #include "src/drives.h"
 #include "src/flashSep.h"
-#include "src/managementObjects.h"
 #include "src/runState.h"
 #include "tests/src/FrontEndFixture.h"
 
@@ -76,7 +75,6 @@ class RunTest : public FrontEndTest {
         gblDeviceTags.clear();
         gblWwIdList.clear();
         hDDList.clear();
-        gblNvramAccess = nullptr;
         DiscoveryInfo::DeleteInstance();
         Config::Instance()->CleanConfig();
     }
