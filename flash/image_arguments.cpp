@@ -23,10 +23,10 @@ bool demandArguments(Core::DeviceOperation const& operation, std::initializer_li
 ImageSpan readImage(Core::DeviceOperation const& operation, char const* addressName, char const* sizeName,
                     std::size_t largest, Core::OperationReturn& result) {
     auto const address = Conversion::toNumber<unsigned long long>(operation.getArgValue(addressName));
-    ImageSpan const image = {
-        reinterpret_cast<unsigned char const*>(static_cast<std::uintptr_t>(address)),
-        Conversion::toNumber<unsigned int>(operation.getArgValue(sizeName)),
-    };
+    // Read in full width: a size that is cut to 32 bits would flash a part of the image.
+    auto const size = Conversion::toNumber<unsigned long long>(operation.getArgValue(sizeName));
+    ImageSpan const image = {reinterpret_cast<unsigned char const*>(static_cast<std::uintptr_t>(address)),
+                             static_cast<std::size_t>(size)};
     if (image.bytes == nullptr) {
         refuseArgument(addressName, operation.getArgValue(addressName), "an address", result);
     } else if (image.size == 0 || image.size > largest) {

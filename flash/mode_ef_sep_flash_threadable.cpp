@@ -114,8 +114,11 @@ void ModeEFSEPFlashThreadable::identifyBehindController() {
 
 void ModeEFSEPFlashThreadable::identifyByAttributes() {
     m_wwid = m_device->getValueFor(Names::ATTR_NAME_WWID).c_str();
-    m_port = m_redundantPort = m_device->getValueFor(Names::ATTR_NAME_PORT).c_str();
-    m_box = m_redundantBox = Conversion::toNumber<unsigned char>(m_device->getValueFor(Names::ATTR_NAME_BOX));
+    if (!m_device->hasAttributeAndIs(Names::ATTR_NAME_PORT, Names::ATTR_VALUE_PORT_UNKNOWN)) {
+        m_port = m_redundantPort = m_device->getValueFor(Names::ATTR_NAME_PORT).c_str();
+    }
+    auto const box = Conversion::toNumber<unsigned int>(m_device->getValueFor(Names::ATTR_NAME_BOX));
+    m_box = m_redundantBox = box <= LAST_BOX_TOLD ? static_cast<unsigned char>(box) : 0;
     m_revision = Conversion::toNumber<float>(m_device->getValueFor(Names::ATTR_NAME_FIRMWARE_REVISION));
 }
 
@@ -189,7 +192,7 @@ bool ModeEFSEPFlashThreadable::isThisDevice(Common::string const& handle) const 
     auto* const controller = dynamic_cast<BMICDevice*>(m_storageSystem.get());
     if (controller == nullptr) {
         // A plain adapter identifies nothing; its list has the addresses.
-        return !m_wwid.empty() && PhysicalDeviceIterator::getSasAddress(handle) == m_wwid;
+        return isOwnName(PhysicalDeviceIterator::getSasAddress(handle));
     }
     Schema::SEP const candidate(handle);
     Identify page;
@@ -200,9 +203,7 @@ bool ModeEFSEPFlashThreadable::isThisDevice(Common::string const& handle) const 
 }
 
 bool ModeEFSEPFlashThreadable::hasIdentityOf(Records::PHYSICAL_DRIVE_STATUS const& found) const {
-    Common::string const wwid = wwidOf(found.bWWID);
-    bool const isKnown = !m_wwid.empty() && m_wwid != NO_WWID && wwid != NO_WWID;
-    if (isKnown && wwid == m_wwid) return true;
+    if (isOwnName(wwidOf(found.bWWID))) return true;
     if (isAtPlace(found, m_port, m_box)) return true;
     if ((found.bRedundantPathPresentMap & FIRST_PATH) != 0 &&
         isAtPlace(found, m_redundantPort, m_redundantBox)) {
@@ -214,7 +215,14 @@ bool ModeEFSEPFlashThreadable::hasIdentityOf(Records::PHYSICAL_DRIVE_STATUS cons
             Common::string::npos) {
         return true;
     }
-    if (!isKnown || m_product != PRODUCT_ID_ENCL_11 || !(m_revision > 0)) return false;
+    return false;
+}
+
+/// By the WWID alone, also one that the firmware moved.
+bool ModeEFSEPFlashThreadable::isOwnName(Common::string const& wwid) const {
+    if (m_wwid.empty() || m_wwid == NO_WWID || wwid.empty() || wwid == NO_WWID) return false;
+    if (wwid == m_wwid) return true;
+    if (m_product != PRODUCT_ID_ENCL_11 || !(m_revision > 0)) return false;
     return m_revision <= SHIFTING_REVISION ? shifted(m_wwid, WWID_SHIFT) == wwid
                                            : shifted(wwid, WWID_SHIFT) == m_wwid;
 }

@@ -29,6 +29,7 @@ class ModeEFSEPFlashThreadable : public SEPFlashThreadable {
     bool isFound() const;
     bool isThisDevice(Common::string const& handle) const;
     bool hasIdentityOf(Records::PHYSICAL_DRIVE_STATUS const& found) const;
+    bool isOwnName(Common::string const& wwid) const;
     void fileAsMissing();
 
     Common::shared_ptr<Core::Device> m_storageSystem;

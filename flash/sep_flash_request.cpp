@@ -1,10 +1,13 @@
 #include "flash/sep_flash_request.h"
 
-#include "command/device_command_return.h"
+#include <algorithm>
+
+#include "command/concrete_devices.h"
 #include "common/conversion.h"
 #include "common/debug_logger.h"
 #include "core/device_finder.h"
 #include "core/tolkmod.h"
+#include "flash/image_arguments.h"
 #include "flash/sep_products.h"
 #include "flash/vocabulary.h"
 #include "flash/vocabulary_enclosure.h"
@@ -19,25 +22,29 @@ using Common::DebugLogger;
 using Core::DeviceOperation;
 using Core::OperationReturn;
 using DevicePointer = Common::shared_ptr<Core::Device>;
-using DeviceCommandReturn::ArgumentProblem;
 
 /// Where an image stands in a device is told in 24 bits.
-constexpr unsigned int LARGEST_IMAGE = 1U << 24;
-
-bool refuse(char const* argument, OperationReturn& result) {
-    ArgumentProblem(Results::ATTR_VALUE_STATUS_ARGUMENT_INVALID, argument, result);
-    return false;
-}
-
-bool demand(DeviceOperation const& operation, char const* argument, OperationReturn& result) {
-    if (operation.hasArgument(argument)) return true;
-    ArgumentProblem(Results::ATTR_VALUE_STATUS_ARGUMENT_MISSING, argument, result);
-    return false;
-}
+constexpr std::size_t LARGEST_IMAGE = std::size_t{1} << 24;
 
 bool hasProduct(DeviceOperation const& operation) {
     return operation.hasArgument(Names::ATTR_NAME_PRODUCT_ID) &&
            !operation.hasArgumentAndIs(Names::ATTR_NAME_PRODUCT_ID, Names::PRODUCT_ID_UNKNOWN);
+}
+
+/// A device that is found on two ways is flashed once: two flashes of one device would mix their chunks.
+void addTarget(DevicePointer const& sep, SepFlashRequest& request) {
+    auto const handleOf = [](DevicePointer const& device) {
+        auto const* const scsi = dynamic_cast<ConcreteSCSIDevice const*>(device.get());
+        return scsi != nullptr ? scsi->handle() : Common::string();
+    };
+    Common::string const handle = handleOf(sep);
+    for (DevicePointer const& known : request.targets) {
+        if (known == sep || (!handle.empty() && handleOf(known) == handle)) {
+            DebugLogger::LogCommand("SEP %s passed over: it is found a second time", sep->toString().c_str());
+            return;
+        }
+    }
+    request.targets.push_back(sep);
 }
 
 bool findByProduct(Common::string const& product, DevicePointer const& adapter, SepFlashRequest& request,
@@ -45,13 +52,12 @@ bool findByProduct(Common::string const& product, DevicePointer const& adapter, 
     for (DevicePointer const& sep : findSeps(adapter)) {
         if (sep->hasAttributeAndIs(Names::ATTR_NAME_PRODUCT_ID, product) ||
             getFlashProductID(sep) == product) {
-            request.targets.push_back(sep);
+            addTarget(sep, request);
         }
     }
     if (!request.targets.empty()) return true;
-    DebugLogger::LogCommand("Product \"%s\" refused: no such SEP below %s", product.c_str(),
-                            adapter->toString().c_str());
-    return refuse(Names::ATTR_NAME_PRODUCT_ID, result);
+    refuseArgument(Names::ATTR_NAME_PRODUCT_ID, product, "the product of a SEP below the adapter", result);
+    return false;
 }
 
 bool findByIdentifiers(DeviceOperation const& operation, DevicePointer const& adapter,
@@ -60,17 +66,14 @@ bool findByIdentifiers(DeviceOperation const& operation, DevicePointer const& ad
     for (auto argument = operation.beginArgument(); argument != operation.endArgument(); ++argument) {
         if (argument->second.first != Names::ATTR_NAME_UNIQUE_ID) continue;
         Common::string const identifier = argument->second.second;
-        auto const before = request.targets.size();
-        for (DevicePointer const& sep : seps) {
-            if (sep->hasAttributeAndIs(Names::ATTR_NAME_UNIQUE_ID, identifier)) {
-                request.targets.push_back(sep);
-                break;
-            }
-        }
-        if (request.targets.size() == before) {
-            DebugLogger::LogCommand("Identifier \"%s\" refused: no such SEP below %s", identifier.c_str(),
-                                    adapter->toString().c_str());
-            return refuse(Names::ATTR_NAME_UNIQUE_ID, result);
+        auto const sep = std::find_if(seps.begin(), seps.end(), [&](DevicePointer const& each) {
+            return each->hasAttributeAndIs(Names::ATTR_NAME_UNIQUE_ID, identifier);
+        });
+        if (sep != seps.end()) {
+            addTarget(*sep, request);
+        } else {
+            refuseArgument(Names::ATTR_NAME_UNIQUE_ID, identifier, "that of a SEP below the adapter", result);
+            return false;
         }
     }
     return true;
@@ -85,11 +88,15 @@ bool readLimit(DeviceOperation const& operation, SepFlashRequest& request, Opera
         !operation.hasArgumentAndIs(Names::ATTR_NAME_FLASH_TYPE, Names::ATTR_VALUE_FLASH_TYPE_SERIAL);
     if (!isGiven && modelLimit != 0) request.isParallel = true;
     if (!isGiven && modelLimit == 0 && request.isParallel) {
-        return demand(operation, Names::ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE, result);
+        return demandArguments(operation, {Names::ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE}, result);
     }
-    request.limit = Conversion::toNumber<unsigned short>(
-        operation.getArgValue(Names::ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE));
-    if (request.limit == 0) request.limit = modelLimit;
+    Common::string const limit = operation.getArgValue(Names::ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE);
+    auto const number = Conversion::toNumber<unsigned long long>(limit);
+    if (number > 0xFFFF) {
+        refuseArgument(Names::ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE, limit, "0 to 65535", result);
+        return false;
+    }
+    request.limit = number != 0 ? static_cast<unsigned>(number) : modelLimit;
     return true;
 }
 
@@ -105,23 +112,13 @@ std::vector<DevicePointer> findSeps(DevicePointer const& adapter) {
 }
 
 bool readImageArguments(DeviceOperation const& operation, SepFlashRequest& request, OperationReturn& result) {
-    if (!demand(operation, Names::ATTR_NAME_BUFFER_ADDRESS, result) ||
-        !demand(operation, Names::ATTR_NAME_BUFFER_SIZE, result)) {
+    if (!demandArguments(operation, {Names::ATTR_NAME_BUFFER_ADDRESS, Names::ATTR_NAME_BUFFER_SIZE},
+                         result)) {
         return false;
     }
-    auto const address =
-        Conversion::toNumber<unsigned long long>(operation.getArgValue(Names::ATTR_NAME_BUFFER_ADDRESS));
-    request.image = {
-        reinterpret_cast<unsigned char const*>(static_cast<std::uintptr_t>(address)),
-        Conversion::toNumber<unsigned int>(operation.getArgValue(Names::ATTR_NAME_BUFFER_SIZE)),
-    };
-    bool const hasAddress = request.image.bytes != nullptr || request.image.size == 0;
-    if (!hasAddress || request.image.size > LARGEST_IMAGE) {
-        DebugLogger::LogCommand("Image of %zu bytes at %p refused: an address and at most %u bytes expected",
-                                request.image.size, static_cast<void const*>(request.image.bytes),
-                                LARGEST_IMAGE);
-        return refuse(hasAddress ? Names::ATTR_NAME_BUFFER_SIZE : Names::ATTR_NAME_BUFFER_ADDRESS, result);
-    }
+    request.image = readImage(operation, Names::ATTR_NAME_BUFFER_ADDRESS, Names::ATTR_NAME_BUFFER_SIZE,
+                              LARGEST_IMAGE, result);
+    if (!result) return false;
     request.resets = operation.hasArgumentAndIs(Names::ATTR_NAME_RESET_SEP, Names::ATTR_VALUE_RESET_SEP_TRUE);
     request.disablesHotplug = !operation.hasArgument(Names::ATTR_NAME_DISABLE_HOTPLUG_EVENTS) ||
                               operation.hasArgumentAndIs(Names::ATTR_NAME_DISABLE_HOTPLUG_EVENTS,
@@ -140,7 +137,7 @@ bool readAdapterArguments(DeviceOperation const& operation, DevicePointer const&
                                            ATTR_VALUE_OPERATION_FAILURE_REASON_INVALID_ARGUMENT_COMBINATION));
         return false;
     }
-    if (!byProduct && !demand(operation, Names::ATTR_NAME_UNIQUE_ID, result)) return false;
+    if (!byProduct && !demandArguments(operation, {Names::ATTR_NAME_UNIQUE_ID}, result)) return false;
     bool const found = byProduct ? findByProduct(operation.getArgValue(Names::ATTR_NAME_PRODUCT_ID), adapter,
                                                  request, result)
                                  : findByIdentifiers(operation, adapter, request, result);

@@ -77,6 +77,11 @@ void SepFlashRun::flashSerially() {
     DebugLogger::LogCommand("Serial flash started");
     for (auto object = m_objects.begin(); object != m_objects.end(); ++object) {
         (*object)->PauseDeviceActivity();
+        // Models of the other modes write in a thread's body only. That they come out of this as a success,
+        // unwritten, is what callers know.
+        if (m_info.flashMode != MODE_EF) {
+            DebugLogger::LogCommand("A SEP is not written: its model is flashed in parallel only");
+        }
         (*object)->Flash();
         if (m_request.resets && canPerformReset(m_info, (*object)->result())) reset({object, object + 1});
         (*object)->ResumeDeviceActivity();
@@ -131,7 +136,14 @@ void SepFlashRun::reset(Range objects) {
 }
 
 OperationReturn SepFlashRun::result() const {
-    return sumUp(m_objects.begin(), m_objects.end());
+    OperationReturn result = sumUp(m_objects.begin(), m_objects.end());
+    if (m_objects.size() == 1 && !result) {
+        // Its own status, and what the device said in a list, where callers look for it.
+        Common::list<OperationReturn> returns;
+        returns.push_back(m_objects.front()->result());
+        result.Receive(Core::Attribute(Results::ATTR_NAME_OPERATION_RETURN_LIST, returns));
+    }
+    return result;
 }
 
 OperationReturn SepFlashRun::sumUp(FlashObjects::const_iterator first,

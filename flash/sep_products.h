@@ -7,7 +7,8 @@
 #include "core/device.h"
 #include "core/operation_return.h"
 
-/// The models of enclosure processors, and what each needs of a flash. Used by one thread only.
+/// The models of enclosure processors, and what each needs of a flash. Looking one up isn't safe
+/// from several threads at once: those that flash do it under a mutex of theirs.
 namespace Operations {
 
 // Product texts as inquiry data has them, sixteen characters.

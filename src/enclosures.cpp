@@ -97,7 +97,7 @@ bool inspectSep(DevicePointer const& device, Box_Info& box, EnclosureFindings& f
         return true;
     }
     cli.logVerbose("Device is supported: %s\n", sep.displayName.c_str());
-    if (entry->devName == OFFLINE_ONLY && !IsLocked()) {
+    if (trim(entry->devName) == OFFLINE_ONLY && !IsLocked()) {
         cli.log("Online flashing of %s is not supported\n", sep.displayName.c_str());
         return false;
     }
@@ -168,8 +168,9 @@ void flashFor(SEP_Info const& sep, DevicePointer const& controller, int& result)
     int const code = FlashSEP(controller, tag);
     cli.logVerbose("Process enclosure after FlashSEP\n");
     if (code == codeOk) {
-        // Also for a product's second processor, whose call finds all of them taken on: the first call
-        // flashed this one too.
+        // Also for a processor whose call finds all of them taken on. As a rule the first call of its product
+        // flashed this one too; after one that failed, or for another product below the same adapter, nothing
+        // did.
         cli.log("Updated: %s from %s to %0.2f\n", id.c_str(), sep.displayRev.c_str(), catalogue);
         return;
     }

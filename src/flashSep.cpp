@@ -33,6 +33,11 @@ constexpr char ZONING_EXPANDER[] = "JB73";
 /// A flash that is expected to take longer, in seconds, is announced with its length.
 constexpr unsigned int SHORT_FLASH = 10;
 
+/// A processor without a name can't be known again: all of them would pass for the first.
+bool isName(std::string const& wwid) {
+    return wwid.find_first_not_of('0') != std::string::npos;
+}
+
 bool isTakenOn(std::string const& wwid) {
     for (std::string const& known : gblWwIdList) {
         cli.logVerbose(" wwIdItr\n");
@@ -58,6 +63,7 @@ bool takeOn(DevicePointer const& controller, bool zoning) {
             cli.logVerbose("  No product ID\n");
             continue;
         }
+        // Those that no tag covers aren't noted: each of them has its product flashed once more.
         if (!isApplicable(productId)) {
             continue;
         }
@@ -65,6 +71,10 @@ bool takeOn(DevicePointer const& controller, bool zoning) {
         if (zoning && trim(productId) == ZONING_EXPANDER) {
             cli.logVerbose("Controller has zoning enabled. Expander Flash not supported.\n");
             return false;
+        }
+        if (!isName(wwid)) {
+            cli.logVerbose("FlashSEP: %s without a WWID, it may be flashed again\n", productId.c_str());
+            continue;
         }
         if (isTakenOn(wwid)) {
             cli.logVerbose("SEP is already updated, double flashing of sep is not supported\n");

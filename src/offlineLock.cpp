@@ -10,7 +10,7 @@ constexpr char OFFLINE_FILE[] = "/var/ksl/sc-offline.dat";
 }  // namespace
 
 bool IsLocked() {
-    int const file = ::open(OFFLINE_FILE, O_RDONLY | O_CLOEXEC);
+    int const file = ::open(OFFLINE_FILE, O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // whatever stands there
     if (file < 0) {
         return false;
     }

@@ -59,6 +59,9 @@ bool sendByController(OpenDeviceNode const& node, Common::string const& route, S
         if (sent) {
             request.scsiStatus = status.scsiStatus;
             request.commandStatus = status.commandStatus;
+            if (request.transferType == EnTransferType::In) {
+                request.dataLength -= std::min(status.residual, request.dataLength);
+            }
         }
     }
     request.lowLevelStatus = handler.lowLevelError();

@@ -69,8 +69,11 @@ bool inChunks(std::size_t size, std::size_t chunkSize, SendChunk sendChunk) {
     return true;
 }
 
-/// An outcome of our own: what was asked for can't be sent.
-bool refuse(SCSIRequest& request) {
+/// Whether a command can tell where an image of this size ends. Beyond, its fields would begin anew at 0 and
+/// write over what the device has. An image that is too large is an outcome of our own.
+bool canTell(ImageSpan image, std::size_t largest, SCSIRequest& request) {
+    if (image.size <= largest) return true;
+    Common::DebugLogger::LogCommand("Image of %zu bytes refused: its command takes %zu", image.size, largest);
     request.lowLevelStatus = EINVAL;
     return false;
 }
@@ -79,11 +82,7 @@ bool refuse(SCSIRequest& request) {
 
 bool FlashPhysicalDriveFirmware::sendCommand(SCSIDevice& device, SCSIRequest& request) {
     unsigned char const mode = m_type == eChunks ? 7 : 5;
-    if (m_type == eWhole && m_image.size > LENGTH_BITS) {
-        Common::DebugLogger::LogCommand("Image of %zu bytes refused: one WRITE BUFFER takes %zu",
-                                        m_image.size, LENGTH_BITS);
-        return refuse(request);
-    }
+    if (!canTell(m_image, m_type == eWhole ? LENGTH_BITS : LENGTH_BITS + 1, request)) return false;
     std::size_t const chunkSize = m_type == eChunks ? CHUNK_SIZE : std::max<std::size_t>(m_image.size, 1);
     return inChunks(m_image.size, chunkSize, [&](std::size_t offset, std::size_t size) {
         WriteBufferBlock block(mode, offset, size);
@@ -93,6 +92,8 @@ bool FlashPhysicalDriveFirmware::sendCommand(SCSIDevice& device, SCSIRequest& re
 
 bool SCSIATADownloadMicrocode::sendCommand(SCSIDevice& device, SCSIRequest& request) {
     constexpr std::size_t SECTOR = 512;
+    constexpr std::size_t OFFSETS = SECTOR << 16;
+    if (!canTell(m_image, OFFSETS, request)) return false;
     // A drive takes whole sectors: behind the image's end come zeros.
     std::vector<unsigned char> chunk(FlashPhysicalDriveFirmware::CHUNK_SIZE);
     return inChunks(m_image.size, chunk.size(), [&](std::size_t offset, std::size_t size) {
@@ -224,7 +225,8 @@ bool FlashSEPFirmware::sendSRecords(SCSIDevice& device, SCSIRequest& request) {
         // The device has a part of its firmware then, or none, and nobody may call that a success.
         Common::DebugLogger::LogCommand("No whole S-record at byte %zu of %zu: found 0x%02X, expected 'S'",
                                         at, m_image.size, static_cast<unsigned>(m_image.bytes[at]));
-        return refuse(request);
+        request.lowLevelStatus = EINVAL;
+        return false;
     }
     return true;
 }

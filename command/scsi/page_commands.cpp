@@ -20,7 +20,11 @@ ScsiBlockCommand::Bytes cutTo(std::size_t limit, ScsiBlockCommand::Bytes bytes) 
 }  // namespace
 
 SCSIModeSense::SCSIModeSense(unsigned char page, unsigned char subpage, std::uint16_t length)
-    : ScsiBlockCommand(10, {0x5A, NO_BLOCK_DESCRIPTORS, page, subpage}, Direction::In, length) {
+    : SCSIModeSense(NO_BLOCK_DESCRIPTORS, page, subpage, length) {}
+
+SCSIModeSense::SCSIModeSense(unsigned char flags, unsigned char page, unsigned char subpage,
+                             std::uint16_t length)
+    : ScsiBlockCommand(10, {0x5A, flags, page, subpage}, Direction::In, length) {
     setNumber(7, 2, length);
 }
 

@@ -9,6 +9,9 @@
 class SCSIModeSense : public ScsiBlockCommand {
   public:
     SCSIModeSense(unsigned char page, unsigned char subpage, std::uint16_t length);
+
+  protected:
+    SCSIModeSense(unsigned char flags, unsigned char page, unsigned char subpage, std::uint16_t length);
 };
 
 // A mode page whole: first 63 bytes, then as many as the reply says that it has.
@@ -16,7 +19,7 @@ class ModeSense10 : public SCSIModeSense {
   public:
     static constexpr std::uint16_t FIRST_LENGTH = 63;
 
-    explicit ModeSense10(unsigned char page) : SCSIModeSense(page, 0, FIRST_LENGTH) {}
+    explicit ModeSense10(unsigned char page) : SCSIModeSense(0, page, 0, FIRST_LENGTH) {}
 
   protected:
     bool sendCommand(SCSIDevice& device, Interface::SysMod::Command::SCSIRequest& request) override;

@@ -19,7 +19,9 @@ bool ScsiBlockCommand::sendCommand(SCSIDevice& device, Interface::SysMod::Comman
     request.cdbLength = m_blockLength;
     request.dataBuffer = m_data.empty() ? nullptr : m_data.data();
     request.dataLength = static_cast<std::uint32_t>(m_data.size());
-    return device.sendSCSICommand(request);
+    bool const sent = device.sendSCSICommand(request);
+    m_received = std::min<std::size_t>(request.dataLength, m_data.size());
+    return sent;
 }
 
 void ScsiBlockCommand::setNumber(unsigned int at, unsigned int width, unsigned long long value) {
@@ -30,6 +32,7 @@ void ScsiBlockCommand::setNumber(unsigned int at, unsigned int width, unsigned l
 
 Common::string ScsiBlockCommand::text(std::size_t offset, std::size_t size) const {
     Common::string result;
+    if (offset + size > m_received) return result;
     for (std::size_t i = offset; i < offset + size && byte(i) != 0; ++i) {
         char const character[2] = {static_cast<char>(byte(i)), '\0'};
         result += character;

@@ -13,8 +13,10 @@ class ScsiBlockCommand : public ScsiCommand {
   public:
     using Bytes = std::vector<unsigned char>;
 
-    // What came back, or what is sent. Of a reply as many bytes as were asked for.
+    // What came back, or what is sent. Of a reply as many bytes as were asked for; zeros where it is shorter.
     Bytes const& data() const { return m_data; }
+    // How many bytes of a reply came.
+    std::size_t receivedLength() const { return m_received; }
 
   protected:
     using Direction = Interface::SysMod::Command::EnTransferType;
@@ -34,7 +36,8 @@ class ScsiBlockCommand : public ScsiCommand {
     // Forgets what stands behind `size`.
     void truncateTo(std::size_t size) { m_data.resize(std::min(size, m_data.size())); }
 
-    // A reply's text without the blanks around it; it ends at the first zero. Empty beyond the reply.
+    // A reply's text without the blanks around it; it ends at the first zero. Empty unless all of it came:
+    // half a version would pass for an older one.
     Common::string text(std::size_t offset, std::size_t size) const;
     // A byte of the reply; 0 beyond it.
     unsigned char byte(std::size_t offset) const { return offset < m_data.size() ? m_data[offset] : 0; }
@@ -44,4 +47,5 @@ class ScsiBlockCommand : public ScsiCommand {
     unsigned int m_blockLength;
     Direction m_direction;
     Bytes m_data;
+    std::size_t m_received = 0;
 };

@@ -5,7 +5,10 @@
 #include <cstddef>
 #include <iterator>
 
+#include "command/device_command_return.h"
 #include "common/debug_logger.h"
+#include "core/tolkmod.h"
+#include "storage/operations/controller_common.h"
 #include "storage/operations/publish.h"
 #include "storage/vocabulary/array_controller.h"
 
@@ -40,6 +43,10 @@ unsigned countWithin(unsigned told, std::size_t room, char const* what) {
 
 }  // namespace
 
+bool SenseBox::answers(BMICDevice& controller) {
+    return (*this)(controller) && holdsWhole(*this, "Record of a box");
+}
+
 std::uint8_t boxIndexOf(std::uint8_t bus, std::uint8_t target) {
     return static_cast<std::uint8_t>((bus + 1) * 16 | target);
 }
@@ -61,26 +68,51 @@ Schema::PhysicalDriveMap installedDrives(SenseBox const& sense) {
     return map;
 }
 
-std::vector<Box> walkBoxes(BMICDevice& controller) {
+bool walkBoxes(BMICDevice& controller, BoxWalk& walk, Core::OperationReturn& result) {
     SenseControllerCommand<IdentifyControllerTrait> identify;
-    return identify(controller) ? walkBoxes(controller, identify.record()) : std::vector<Box>();
+    DeviceCommandReturn::executeCommand(identify, controller, result);
+    if (result && !holdsWhole(identify, "Identify record")) {
+        result.Receive(Core::Attribute(Interface::TOLKMod::OperationReturn::ATTR_NAME_STATUS,
+                                       Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE));
+    }
+    if (!result) return false;
+    walk = walkBoxes(controller, identify.record());
+    return true;
 }
 
-std::vector<Box> walkBoxes(BMICDevice& controller, Records::IDENTIFY_CONTROLLER const& identify) {
-    std::vector<Box> boxes;
+BoxWalk walkBoxes(BMICDevice& controller, Records::IDENTIFY_CONTROLLER const& identify) {
+    BoxWalk walk;
     for (std::uint8_t bus = 0; bus < BUSES; ++bus) {
         std::bitset<BOXES_PER_BUS> marked(*portStatus(identify, bus));
         for (std::uint8_t target = 0; target < BOXES_PER_BUS; ++target) {
             if (!marked[target]) continue;
             SenseBox sense(bus, target);
-            if (!sense(controller)) continue;
-            boxes.push_back({{bus, target}, sense.recordCopy(), installedDrives(sense)});
+            if (!sense.answers(controller)) {
+                walk.isComplete = false;
+                continue;
+            }
+            walk.boxes.push_back({{bus, target}, sense.recordCopy(), installedDrives(sense)});
             for (unsigned behind = STATUS_BITS; behind < BOXES_PER_BUS; ++behind) {
                 if (bit(sense.record().pbBigBoxMap, behind)) marked.set(behind);
             }
         }
     }
-    return boxes;
+    return walk;
+}
+
+std::vector<Schema::CageLocation> placesOf(Schema::StorageEnclosure const& enclosure, std::uint8_t boxIndex) {
+    std::vector<Schema::CageLocation> places = {placeOfBoxIndex(boxIndex)};
+    for (Schema::CageLocation const& place : enclosure.otherPlaces())
+        places.push_back(place);
+    return places;
+}
+
+bool hasEnclosureAt(Core::Device const& controller, Schema::CageLocation const& place) {
+    for (auto child = controller.beginChild(); child != controller.endChild(); ++child) {
+        auto const* const enclosure = dynamic_cast<Schema::StorageEnclosure const*>(child->get());
+        if (enclosure != nullptr && enclosure->isAt(place)) return true;
+    }
+    return false;
 }
 
 bool isEnclosure(Box const& box, Common::string const& family) {

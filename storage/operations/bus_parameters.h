@@ -15,6 +15,9 @@ class SenseBox : public SenseControllerCommand<SenseBusParametersTrait> {
         SetDetails(static_cast<std::uint32_t>(bus) << 24 | static_cast<std::uint32_t>(box) << 16);
     }
     explicit SenseBox(Schema::CageLocation const& place) : SenseBox(place.bus, place.target) {}
+
+    /// False also for a reply that was cut.
+    bool answers(BMICDevice& controller);
 };
 
 /// Buses of a controller: 0 to 7 are its internal ports, 8 to 15 its external ones.
@@ -37,12 +40,23 @@ Schema::PhysicalDriveMap installedDrives(SenseBox const& sense);
 std::uint8_t boxIndexOf(std::uint8_t bus, std::uint8_t target);
 Schema::CageLocation placeOfBoxIndex(std::uint8_t boxIndex);
 
-/// Every place that answers, by bus and target: those that the identify reply's port status marks, a byte for
-/// each bus and a bit for each target up to 7, and those behind them that a box's own map adds to its bus. A
-/// place that doesn't answer is passed over.
-std::vector<Box> walkBoxes(BMICDevice& controller);
+struct BoxWalk {
+    std::vector<Box> boxes;  ///< by bus and target
+    bool isComplete = true;  ///< every place that is marked answered
+};
+
+/// Every place that answers: those that the identify reply's port status marks, a byte for each bus and a bit
+/// for each target up to 7, and those behind them that a box's own map adds to its bus. A place that doesn't
+/// answer is passed over. Without an identify record nothing is known: false, with the failure in `result`.
+bool walkBoxes(BMICDevice& controller, BoxWalk& walk, Core::OperationReturn& result);
 /// The same for those who have the identify record.
-std::vector<Box> walkBoxes(BMICDevice& controller, Records::IDENTIFY_CONTROLLER const& identify);
+BoxWalk walkBoxes(BMICDevice& controller, Records::IDENTIFY_CONTROLLER const& identify);
+
+/// All places under which a controller lists an enclosure, that of its box index first.
+std::vector<Schema::CageLocation> placesOf(Schema::StorageEnclosure const& enclosure, std::uint8_t boxIndex);
+/// Whether one of a controller's enclosures is listed at a place: what is in another box belongs to no
+/// enclosure.
+bool hasEnclosureAt(Core::Device const& controller, Schema::CageLocation const& place);
 
 /// Whether an enclosure is at a place. `family` is the controller's ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY.
 /// Whatever has bays is one: every bus that the walk reaches is a bus of boxes.

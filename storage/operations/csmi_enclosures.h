@@ -17,7 +17,7 @@ struct CsmiEnclosure {
 };
 
 /// The boxes behind an adapter. Processors of one chassis serial number are in one box; one that tells none
-/// is a box of its own. A processor that doesn't answer INQUIRY is passed over.
+/// is a box of its own. A processor that doesn't answer INQUIRY has no texts.
 std::vector<CsmiEnclosure> csmiEnclosures(ConcreteSCSIDevice const& adapter);
 
 }  // namespace Operations

@@ -2,6 +2,7 @@
 
 #include "storage/operations/bus_parameters.h"
 #include "storage/operations/publish.h"
+#include "storage/operations/publish_enclosure.h"
 #include "storage/vocabulary/drive_cage.h"
 
 namespace Operations {
@@ -15,8 +16,8 @@ constexpr unsigned DUPLEX_MARK = 15;
 
 void offerCage(Schema::StorageEnclosure& enclosure, Schema::CageLocation const& place,
                Parameters const& record, Schema::PhysicalDriveMap const& drives, char half) {
-    Common::shared_ptr<Core::Device> const cage(
-        new Schema::DriveCage(place.bus, place.target, memberText(record.sPhysicalPort), drives));
+    Common::shared_ptr<Core::Device> const cage(new Schema::DriveCage(
+        place.bus, place.target, portText(memberText(record.sPhysicalPort), record.bPhysicalBox), drives));
     if (record.bInquiryValid != 0) {
         publish(*cage, Names::ATTR_NAME_PRODUCT_ID, memberText(record.boxInquiryData.sProductID));
         publish(*cage, Names::ATTR_NAME_VENDOR_ID, memberText(record.boxInquiryData.sVendorID));
@@ -49,7 +50,7 @@ Schema::PhysicalDriveMap halfOf(Schema::PhysicalDriveMap const& drives, char hal
 Core::OperationReturn DiscoverDriveCage::visit(Schema::StorageEnclosure& enclosure) {
     for (Schema::CageLocation const& place : enclosure.driveCageLocationList()) {
         SenseBox sense(place);
-        if (!sense(enclosure)) continue;
+        if (!sense.answers(enclosure)) continue;
         Parameters const& record = sense.record();
         Common::string const product =
             record.bInquiryValid != 0 ? wholeText(record.boxInquiryData.sProductID) : Common::string();

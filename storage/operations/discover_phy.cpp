@@ -67,7 +67,7 @@ Core::OperationReturn DiscoverPhy::discover(Core::Device& device, BMICDevice& co
     Schema::PhysicalDrive::identifyPhysicalDrive(device.pParent(), controller, bmicIndex, page, result);
     if (!result || page.get() == nullptr) return result;
     Identify const& record = *page;
-    unsigned count = record.wPHYCount;
+    unsigned count = fromWire<std::uint16_t>(record.wPHYCount);
     if (count > PHYS) {
         Common::DebugLogger::LogCommand(
             "Device %u tells of %u phys, its record has room for %u; the rest is "

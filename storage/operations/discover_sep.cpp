@@ -61,11 +61,24 @@ void discover(Core::Device& parent, DevicePointer const& controller, BMICDevice&
     parent.receive(sep);
 }
 
+/// Those of all its places, each once: a second path may lead to processors that the first doesn't.
+std::vector<ListedSep> listedSeps(Schema::StorageEnclosure& enclosure, unsigned char boxIndex) {
+    std::vector<ListedSep> seps;
+    for (Schema::CageLocation const& place : placesOf(enclosure, boxIndex)) {
+        SenseBox sense(place);
+        if (!sense.answers(enclosure)) continue;
+        for (ListedSep const& sep : sepsOf(sense.record())) {
+            bool const isKnown = std::any_of(
+                seps.begin(), seps.end(), [&](ListedSep const& known) { return known.number == sep.number; });
+            if (!isKnown) seps.push_back(sep);
+        }
+    }
+    return seps;
+}
+
 void discoverBehindController(Schema::StorageEnclosure& enclosure, DevicePointer const& controller,
                               ConcreteSCSIDevice const& adapter, unsigned char boxIndex) {
-    SenseBox sense(placeOfBoxIndex(boxIndex));
-    if (!sense(enclosure)) return;
-    std::vector<ListedSep> const seps = sepsOf(sense.record());
+    std::vector<ListedSep> const seps = listedSeps(enclosure, boxIndex);
     if (seps.empty()) return;
     PhysicalDeviceIterator const devices(adapter);
     for (ListedSep const& sep : seps) {
@@ -87,8 +100,13 @@ void discoverBehindController(Schema::StorageEnclosure& enclosure, DevicePointer
 void discoverBehindAdapter(Schema::StorageEnclosure& enclosure, ConcreteSCSIDevice const& adapter) {
     namespace Box = Interface::StorageMod::StorageEnclosure;
     Common::string const number = enclosure.getValueFor(Box::ATTR_NAME_BOX);
+    Common::string const serial = enclosure.getValueFor(Box::ATTR_NAME_SERIAL_NUMBER);
     for (CsmiEnclosure const& box : csmiEnclosures(adapter)) {
-        if (decimalText(box.number) != number) continue;
+        // Numbers count the boxes of one look; a serial number stays.
+        if (box.serialNumber.empty() ? !serial.empty() || decimalText(box.number) != number
+                                     : box.serialNumber.Trim() != serial) {
+            continue;
+        }
         for (Common::string const& handle : box.seps) {
             Schema::SEP* const device = new Schema::SEP(handle);
             DevicePointer const sep(device);
@@ -135,10 +153,15 @@ Core::OperationReturn DiscoverSEP::visit(Schema::ArrayController& controller) {
     if (devices.size(TYPE) == 0) return Core::OperationReturn();
     Common::string const family =
         controller.getValueFor(Interface::StorageMod::ArrayController::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY);
+    Core::OperationReturn result;
+    BoxWalk walk;
+    // Which of them are in enclosures is told by the boxes alone: without them, each would come a second
+    // time.
+    if (!walkBoxes(controller, walk, result)) return result;
     std::vector<unsigned short> inEnclosures;
     std::vector<ListedSep> outside;
-    for (Box const& box : walkBoxes(controller)) {
-        bool const isBox = isEnclosure(box, family);
+    for (Box const& box : walk.boxes) {
+        bool const isBox = isEnclosure(box, family) && hasEnclosureAt(controller, box.place);
         for (ListedSep const& sep : sepsOf(*box.parameters)) {
             if (isBox) {
                 inEnclosures.push_back(sep.number);
@@ -152,10 +175,16 @@ Core::OperationReturn DiscoverSEP::visit(Schema::ArrayController& controller) {
         if (std::find(inEnclosures.begin(), inEnclosures.end(), number) != inEnclosures.end()) continue;
         auto const listed = std::find_if(outside.begin(), outside.end(),
                                          [number](ListedSep const& sep) { return sep.number == number; });
+        if (listed == outside.end() && !walk.isComplete) {
+            Common::DebugLogger::LogCommand(
+                "Processor %u refused: no box lists it, and one that may do so didn't answer",
+                static_cast<unsigned>(number));
+            continue;
+        }
         discover(controller, controller.getDevicePtr(), controller, *handle, number,
                  listed == outside.end() ? NO_TYPE : listed->type);
     }
-    return Core::OperationReturn();
+    return result;
 }
 
 }  // namespace Operations

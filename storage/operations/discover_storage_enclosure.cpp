@@ -1,5 +1,6 @@
 #include "storage/operations/discover_storage_enclosure.h"
 
+#include "common/debug_logger.h"
 #include "storage/operations/publish.h"
 #include "storage/operations/publish_enclosure.h"
 #include "storage/vocabulary/array_controller.h"
@@ -57,28 +58,40 @@ Core::OperationReturn DiscoverStorageEnclosure::visit(Core::Device& device, Conc
         device.getValueFor(Interface::StorageMod::ArrayController::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY);
     // What is found is offered when all of it is known: a second path belongs to what is offered, and a
     // device of an earlier discovery would lose it again.
-    DeviceList found;
-    for (Box const& box : walkBoxes(controller)) {
-        if (isEnclosure(box, family)) discover(device, box, found);
+    EnclosureList found;
+    BoxWalk walk;
+    Core::OperationReturn result;
+    if (!walkBoxes(controller, walk, result)) return result;
+    for (Box const& box : walk.boxes) {
+        if (isEnclosure(box, family)) discover(box, found);
     }
-    for (Common::shared_ptr<Core::Device> const& enclosure : found)
-        device.receive(enclosure);
-    return Core::OperationReturn();
+    for (Found const& enclosure : found)
+        device.receive(enclosure.pointer);
+    return result;
 }
 
-void DiscoverStorageEnclosure::discover(Core::Device&, Box const& box, DeviceList& found) {
+void DiscoverStorageEnclosure::discover(Box const& box, EnclosureList& found) {
     Records::SENSE_BUS_PARAMETERS const& parameters = *box.parameters;
     Common::string const serial = memberText(parameters.sChassisSerialNumber);
-    for (Common::shared_ptr<Core::Device> const& known : found) {
-        if (!serial.empty() && known->hasAttributeAndIs(Names::ATTR_NAME_SERIAL_NUMBER, serial)) {
-            addPath(*known, parameters);
+    for (Found const& known : found) {
+        if (!serial.empty() && known.enclosure->hasAttributeAndIs(Names::ATTR_NAME_SERIAL_NUMBER, serial)) {
+            addPath(*known.enclosure, parameters);
+            known.enclosure->AddPlace(box.place);
             return;
         }
     }
+    if (parameters.bSCSITargetID != box.place.target) {
+        Common::DebugLogger::LogCommand(
+            "Target number %u in the record of bus %u, target %u refused: what is there is asked for by that "
+            "place",
+            static_cast<unsigned>(parameters.bSCSITargetID), static_cast<unsigned>(box.place.bus),
+            static_cast<unsigned>(box.place.target));
+    }
     char const* const location = box.place.bus < INTERNAL_BUSES ? Names::ATTR_VALUE_LOCATION_INTERNAL
                                                                 : Names::ATTR_VALUE_LOCATION_EXTERNAL;
-    Common::shared_ptr<Core::Device> const enclosure(new Schema::StorageEnclosure(
-        parameters.bPhysicalBox, serial, location, boxIndexOf(box.place.bus, parameters.bSCSITargetID)));
+    auto* const device = new Schema::StorageEnclosure(parameters.bPhysicalBox, serial, location,
+                                                      boxIndexOf(box.place.bus, box.place.target));
+    Common::shared_ptr<Core::Device> const enclosure(device);
     publishAlarms(*enclosure, parameters.alarmData);
     publish(*enclosure, Names::ATTR_NAME_BUS_MODE,
             isDuplex(parameters) ? Names::ATTR_VALUE_BUS_MODE_DUPLEX : Names::ATTR_VALUE_BUS_MODE_SIMPLEX);
@@ -87,7 +100,7 @@ void DiscoverStorageEnclosure::discover(Core::Device&, Box const& box, DeviceLis
             portText(memberText(parameters.sPhysicalPort), parameters.bPhysicalBox));
     publishInquiry(*enclosure, parameters);
     publishMarketingName(enclosure);
-    found.push_back(enclosure);
+    found.push_back({device, enclosure});
 }
 
 Core::OperationReturn DiscoverStorageEnclosure::visit(Schema::HostBusAdapter& adapter) {
@@ -100,7 +113,7 @@ Core::OperationReturn DiscoverStorageEnclosure::visit(Schema::HostBusAdapter& ad
 void DiscoverStorageEnclosure::ProcessCSMIEnclosure(Schema::HostBusAdapter& adapter,
                                                     CsmiEnclosure const& box) {
     Common::shared_ptr<Core::Device> const enclosure(
-        new Schema::StorageEnclosure(box.number, box.serialNumber, Names::ATTR_VALUE_LOCATION_EXTERNAL, 0));
+        new Schema::StorageEnclosure(box.number, box.serialNumber, Names::ATTR_VALUE_LOCATION_EXTERNAL));
     publish(*enclosure, Names::ATTR_NAME_STATUS, Names::ATTR_VALUE_STATUS_OK);
     publish(*enclosure, Names::ATTR_NAME_BUS_MODE, Names::ATTR_VALUE_BUS_MODE_SIMPLEX);
     publish(*enclosure, Names::ATTR_NAME_PORT, Names::ATTR_VALUE_PORT_UNKNOWN);

@@ -27,9 +27,13 @@ class DiscoverStorageEnclosure
     Core::OperationReturn visit(Core::Device& device, ConcreteBMICDevice& controller);
 
   private:
-    using DeviceList = std::vector<Common::shared_ptr<Core::Device>>;
+    struct Found {
+        Schema::StorageEnclosure* enclosure;
+        Common::shared_ptr<Core::Device> pointer;  ///< the same device, held
+    };
+    using EnclosureList = std::vector<Found>;
 
-    static void discover(Core::Device& device, Box const& box, DeviceList& found);
+    static void discover(Box const& box, EnclosureList& found);
     static void ProcessCSMIEnclosure(Schema::HostBusAdapter& adapter, CsmiEnclosure const& box);
     static void publishMarketingName(Common::shared_ptr<Core::Device> const& enclosure);
 };

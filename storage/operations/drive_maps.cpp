@@ -24,7 +24,7 @@ PhysicalDriveMap drivesInCages(Core::Device const& controller, BMICDevice& comma
     namespace Names = Interface::StorageMod::ArrayController;
     Common::string const family = controller.getValueFor(Names::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY);
     PhysicalDriveMap inCages;
-    for (Box const& box : walkBoxes(commands, identify)) {
+    for (Box const& box : walkBoxes(commands, identify).boxes) {
         if (isEnclosure(box, family)) inCages |= box.installedDrives;
     }
     return inCages;

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "command/controller_command.h"
+#include "common/debug_logger.h"
 #include "storage/operations/publish.h"
 #include "storage/operations/publish_enclosure.h"
 #include "storage/schema/drives.h"
@@ -50,6 +51,17 @@ bool isMultiPathSupported(Common::shared_ptr<Core::Device> const& controller) {
 void publishSpecialInquiry(Core::Device& device, BMICDevice& controller, unsigned short bmicIndex) {
     SensePhysicalDriveCommand<PassThroughSpecialInquiryTrait, false> inquiry(bmicIndex);
     if (!inquiry(controller)) return;
+    constexpr unsigned NEEDED = offsetof(Records::PASS_THROUGH_SPECIAL_INQUIRY, standardInquiryResponse) +
+                                offsetof(Records::SCSI_STANDARD_INQUIRY_DATA, sProductRevisionLevel) +
+                                sizeof(Records::SCSI_STANDARD_INQUIRY_DATA::sProductRevisionLevel);
+    // Half a revision would pass for an older one.
+    if (inquiry.receivedLength() < NEEDED || inquiry.record().bInquirySCSIStatus != 0) {
+        Common::DebugLogger::LogCommand(
+            "Inquiry data of device %u refused: %u bytes with status %u, at least %u with 0 expected",
+            static_cast<unsigned>(bmicIndex), static_cast<unsigned>(inquiry.receivedLength()),
+            static_cast<unsigned>(inquiry.record().bInquirySCSIStatus), NEEDED);
+        return;
+    }
     Records::SCSI_STANDARD_INQUIRY_DATA const& data = inquiry.record().standardInquiryResponse;
     publish(device, Names::ATTR_NAME_VENDOR_ID, memberText(data.sVendorID));
     publish(device, Names::ATTR_NAME_PRODUCT_ID, memberText(data.sProductID));

@@ -116,9 +116,16 @@ std::vector<Common::string> elementTexts(Bytes page, std::vector<unsigned> const
     return texts;
 }
 
+/// Past the reply cache: its key has too little of a command block and of an address to tell one processor's
+/// page from another's.
+bool readPast(ScsiCommand& command, SCSIDevice& device) {
+    command.PassThrough(true);
+    return command(device);
+}
+
 void publishBlock(Core::Device& sep, SCSIDevice& device) {
     ReadEnclosureSubcomponentVersions block;
-    if (!block(device)) return;
+    if (!readPast(block, device)) return;
     std::size_t at = BLOCK_HEAD;
     for (char const* const part : BLOCK_PARTS) {
         publish(sep, part, textAt(block.data(), at, BLOCK_TEXT));
@@ -128,7 +135,7 @@ void publishBlock(Core::Device& sep, SCSIDevice& device) {
 
 void publishSepRevision(Core::Device& sep, SCSIDevice& device) {
     ReadEnclosureConfigurationDiagnosticPage page;
-    if (!page(device)) return;
+    if (!readPast(page, device)) return;
     Common::string const revision = textAt(wholePage(page.data(), 1), DESCRIPTORS + REVISION, REVISION_SIZE);
     if (!revision.empty()) publish(sep, Names::ATTR_NAME_SEP_VERSION, "(1) " + revision);
 }
@@ -136,7 +143,7 @@ void publishSepRevision(Core::Device& sep, SCSIDevice& device) {
 void publishDescriptors(Core::Device& sep, SCSIDevice& device) {
     ReadEnclosureConfigurationDiagnosticPage configuration;
     ReadEnclosureSubcomponentVersions2 descriptors;
-    if (!configuration(device) || !descriptors(device)) return;
+    if (!readPast(configuration, device) || !readPast(descriptors, device)) return;
     auto const texts =
         elementTexts(wholePage(descriptors.data(), 7), elementCounts(wholePage(configuration.data(), 1)));
     std::size_t number = 0;

@@ -2,6 +2,8 @@
 
 #include "command/controller_command.h"
 #include "command/device_command_return.h"
+#include "common/debug_logger.h"
+#include "core/tolkmod.h"
 #include "storage/schema/array_controller.h"
 #include "storage/vocabulary/physical_drive.h"
 #include "storage/vocabulary/tape_drive.h"
@@ -49,6 +51,15 @@ bool PhysicalDrive::identifyPhysicalDrive(Common::shared_ptr<Core::Device> devic
                                           Common::copy_ptr<Records::PHYSICAL_DRIVE_STATUS>& status,
                                           Core::OperationReturn& result, unsigned* received) {
     if (!result) return true;
+    constexpr unsigned short LAST_NUMBER = 0xFFFF - FIRST_MAP_INDEX;
+    if (driveNumber > LAST_NUMBER) {
+        // Its index would wrap to that of another device.
+        Common::DebugLogger::LogCommand("Device number %u refused: at most %u expected",
+                                        static_cast<unsigned>(driveNumber),
+                                        static_cast<unsigned>(LAST_NUMBER));
+        result = Core::OperationReturn(Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE);
+        return false;
+    }
     IdentifyPhysicalDrive identify(identifyIndex(device, driveNumber));
     bool const answered = DeviceCommandReturn::executeCommand(identify, target, result);
     status = identify.recordCopy();

@@ -19,23 +19,29 @@ StorageEnclosure::StorageEnclosure(std::uint8_t boxNumber, Common::string const&
     publish(*this, Box::ATTR_NAME_SERIAL_NUMBER, m_serialNumber);
     publish(*this, Box::ATTR_NAME_LOCATION, location);
     // Bus 15 wraps to 0 in the index's eight bits: taking one off and keeping four bits brings it back.
-    if (boxIndex != 0) {
-        AddDriveCageLocation({static_cast<std::uint8_t>(((boxIndex >> 4) - 1) & 0x0F),
-                              static_cast<std::uint8_t>(boxIndex & 0x0F)});
+    m_cages.push_back({static_cast<std::uint8_t>(((boxIndex >> 4) - 1) & 0x0F),
+                       static_cast<std::uint8_t>(boxIndex & 0x0F)});
+}
+
+StorageEnclosure::StorageEnclosure(std::uint8_t boxNumber, Common::string const& serialNumber,
+                                   Common::string const& location)
+    : StorageEnclosure(boxNumber, serialNumber, location, 0) {
+    m_cages.clear();
+}
+
+bool StorageEnclosure::isAt(CageLocation const& place) const {
+    for (auto const* const places : {&m_cages, &m_otherPlaces}) {
+        for (CageLocation const& known : *places) {
+            if (known == place) return true;
+        }
     }
+    return false;
 }
 
 Common::string StorageEnclosure::uniqueIdentifier() const {
     Common::string identifier = "SE:" + decimalText(m_boxIndex) + "_" + decimalText(m_boxNumber);
     if (!m_serialNumber.empty()) identifier += "_" + m_serialNumber;
     return identifier;
-}
-
-void StorageEnclosure::AddDriveCageLocation(CageLocation const& cage) {
-    for (CageLocation const& known : m_cages) {
-        if (known == cage) return;
-    }
-    m_cages.push_back(cage);
 }
 
 DriveCage::DriveCage(std::uint8_t bus, std::uint8_t target, Common::string const& port,

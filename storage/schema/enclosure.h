@@ -17,30 +17,37 @@ struct CageLocation {
     bool operator==(CageLocation const&) const = default;
 };
 
-/// A box of drives. `boxIndex` is its place on the controller, ((bus + 1) * 16) | target in eight bits, and 0
-/// behind a plain adapter; `location` is ATTR_VALUE_LOCATION_INTERNAL or _EXTERNAL.
+/// A box of drives. `location` is ATTR_VALUE_LOCATION_INTERNAL or _EXTERNAL.
 class StorageEnclosure : public Node<StorageEnclosure, Core::DeviceComposite, 9, ForwardDevice> {
   public:
+    /// Behind a controller, at the place that `boxIndex` tells: ((bus + 1) * 16) | target in eight bits.
     StorageEnclosure(std::uint8_t boxNumber, Common::string const& serialNumber,
                      Common::string const& location, std::uint8_t boxIndex);
+    /// Behind a plain adapter, which has no places: the box index is 0.
+    StorageEnclosure(std::uint8_t boxNumber, Common::string const& serialNumber,
+                     Common::string const& location);
 
     /// "SE:", box index, box number, and the serial number where the box has one: another box in the same
     /// place is another device.
     Common::string uniqueIdentifier() const;
-    /// The places of its cages: first its own, which the box index tells; more where discovery found more.
+    /// The places of its cages: its own, which the box index tells.
     Common::list<CageLocation> const& driveCageLocationList() const { return m_cages; }
-    /// Once for each location; a known one is no second cage.
-    void AddDriveCageLocation(CageLocation const& cage);
+    /// Other places under which the controller lists the same box: second paths. They have no cages of their
+    /// own, but a place may list processors that the others don't.
+    Common::list<CageLocation> const& otherPlaces() const { return m_otherPlaces; }
+    void AddPlace(CageLocation const& place) { m_otherPlaces.push_back(place); }
+    bool isAt(CageLocation const& place) const;
 
   protected:
     Common::string toStringImpl() const override { return uniqueIdentifier(); }
-    void takeOver(StorageEnclosure const& twin) override { m_cages = twin.m_cages; }
+    void takeOver(StorageEnclosure const& twin) override { m_otherPlaces = twin.m_otherPlaces; }
 
   private:
     std::uint8_t m_boxNumber;
     std::uint8_t m_boxIndex;
     Common::string m_serialNumber;
     Common::list<CageLocation> m_cages;
+    Common::list<CageLocation> m_otherPlaces;
 };
 
 /// The drive bays of an enclosure, or of one half of a duplex enclosure. `port` is the controller's port in

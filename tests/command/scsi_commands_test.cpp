@@ -76,7 +76,7 @@ TEST(ScsiCommands, Blocks) {
          {"2a000102030400000100 out 3"},
          "010203"},
         {std::make_shared<SCSIModeSense>(0x19, 2, 300), {"5a081902000000012c00 in 300"}},
-        {std::make_shared<ModeSense10>(0x08), {"5a080800000000003f00 in 63"}},
+        {std::make_shared<ModeSense10>(0x08), {"5a000800000000003f00 in 63"}},
         {std::make_shared<SCSIModeSelect>(Bytes{7, 8}), {"55100000000000000200 out 2"}, "0708"},
         {std::make_shared<ModeSelect6>(Bytes{7, 8, 9}), {"150000000300 out 3"}, "070809"},
         {std::make_shared<SCSILogSelect>(Bytes{5}), {"4c000000000000000100 out 1"}, "05"},
@@ -203,7 +203,7 @@ TEST(ScsiCommands, AskTwiceWhereTheLengthIsToldFirst) {
     RecordingDevice modes({{.data = {0, 98}}});
     ModeSense10 sense(0x08);
     EXPECT_TRUE(sense(modes));
-    EXPECT_EQ(modes.lines, (Strings{"5a080800000000003f00 in 63", "5a080800000000006400 in 100"}));
+    EXPECT_EQ(modes.lines, (Strings{"5a000800000000003f00 in 63", "5a000800000000006400 in 100"}));
     EXPECT_EQ(sense.data().size(), 100U);
     RecordingDevice revisions;
     ReadAutoRevNumber revision(0x5C);

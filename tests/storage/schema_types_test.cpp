@@ -290,11 +290,13 @@ TEST(Enclosure, KnowsWhereItsCagesAre) {
         ASSERT_EQ(1U, box.driveCageLocationList().size());
         EXPECT_EQ(row.bus, (*box.driveCageLocationList().begin()).bus);
         EXPECT_EQ(row.target, (*box.driveCageLocationList().begin()).target);
-        box.AddDriveCageLocation({3, 9});
-        box.AddDriveCageLocation({3, 9});
-        EXPECT_EQ(2U, box.driveCageLocationList().size());
+        box.AddPlace({3, 9});
+        EXPECT_EQ(1U, box.driveCageLocationList().size()) << "a second path has no cage of its own";
+        EXPECT_TRUE(box.isAt({3, 9}));
+        EXPECT_FALSE(box.isAt({9, 3}));
     }
-    EXPECT_TRUE(StorageEnclosure(1, "", "", 0).driveCageLocationList().empty()) << "behind a plain adapter";
+    EXPECT_EQ(1U, StorageEnclosure(1, "", "", 0).driveCageLocationList().size()) << "bus 15, target 0";
+    EXPECT_TRUE(StorageEnclosure(1, "", "").driveCageLocationList().empty()) << "behind a plain adapter";
 }
 
 TEST(SEPs, KnowTheirIndexAndTheirZones) {
