@@ -2,8 +2,8 @@
 
 #include "common/process_mutex.h"
 
-/// Protects data of the management objects. Held across calls into a device only while a device class
-/// discovers, and then only the class's own.
+/// Protects data of the management objects. Of all of them only those that serialise discoveries are held
+/// while a device is asked something.
 class InfoMgrMutex {
   public:
     void Take() { m_mutex.Lock(); }
