@@ -217,10 +217,11 @@ TEST_F(Options, FailureIsTheStatusAndEndsTheRun) {
         // Other bits of that word lock nothing here.
         {0, R"({"identify": {"dwEncryptionStatus": 15}})", nullptr, 1, first + second, "",
          "6.40/6.64 restart needed, 6.40/6.64 restart needed"},
-        // A TR57 is flashed, and then nobody can be asked about its boot strap.
-        {0, R"({"pci": {"subsystem_device": "0x3351"}})", nullptr, 10,
-         "Updated: TR57 Slot: 1 from 6.40 to 6.64\n", "InfoMgrOpenObject failed",
-         "6.40/6.64 restart needed, 6.40/6.40 ok"},
+        // A TR57 is flashed, and then nothing tells which controller's boot strap is its.
+        {0,
+         R"({"pci": {"subsystem_device": "0x3351"}, "subsystem": {"sControllerSerialNumber": "0000000000000000"}})",
+         nullptr, 10, "Updated: TR57 Slot: 1 from 6.40 to 6.64\n",
+         "setArrayShiftBit: TR57 skipped: no serial number\n", "6.40/6.64 restart needed, 6.40/6.40 ok"},
         // Both flashes of the controller fail; the first alone.
         {0, "{}", "", 9, "Failed: TR56 Slot: 1 from 6.40 to 6.64\n" + std::string(NONE), UNTOLD,
          "6.40/6.40 paused, 6.40/6.40 ok"},
