@@ -326,8 +326,8 @@ RuleRow const RULES[] = {
      {"ENCL 16", "encl 03"}, "-s", 1, "b 50060; ",
      "Updated: ENCL 03 SEP from 1.30 to 1.36\nUpdated: ENCL 16 SEP from 2.40 to 3.00\n", {TWICE}},
     // Nothing tells the two apart, so the second keeps the first from its flash.
-    {"TwoOfOneName", {{{"a", "ENCL 16 SEP", "2.40", ONE_NAME}, {"b", "ENCL 16 SEP", "2.40", ONE_NAME}}}, "{}", BOTH,
-     {"ENCL 16"}, "-s", 3, "",
+    {"TwoOfOneName", {{{"a", "ENCL 16 SEP", "2.40", ONE_NAME}, {"b", "ENCL 16 SEP", "2.40", ONE_NAME}}}, "{}",
+     BOTH, {"ENCL 16"}, "-s", 3, "",
      "Updated: ENCL 16 SEP from 2.40 to 3.00\nUpdated: ENCL 16 SEP from 2.40 to 3.00\n", {TWICE}},
     {"ForcedWhenCurrent", {{{"a", "ENCL 16 SEP", "3.00"}}}, "{}", BOTH, {}, "-f", 1, "a 20000; ",
      "Updated: ENCL 16 SEP from 3.00 to 3.00\n",
@@ -336,11 +336,14 @@ RuleRow const RULES[] = {
      {"  No product ID\n"}},
     // The model that needs no least version is the only one that gets so far without a version.
     {"WithoutRevision", {{{"x", "ENCL 29 SEP", "    "}}, {OLDER}}, "{}",
-     {{"ENCL 29 SEP", CHUNKED, "3.00"}, SIXTEEN}, {}, "-s", 1, "a 20000; ", UPDATED, {"  No firmware revision\n"}},
+     {{"ENCL 29 SEP", CHUNKED, "3.00"}, SIXTEEN}, {}, "-s", 1, "a 20000; ", UPDATED,
+     {"  No firmware revision\n"}},
     // Without a blank behind it, and with what no name has, it is another product.
     {"OddProducts", {{{"w", "ENCL 16 SEPARATE", "1.00"}, {"y", "ENCL 16 SEP\"<", "1.00"},
-                      {"z", "ENCL 16\u0001SEP", "1.00"}, OLDER}}, "{}", BOTH, {"ENCL 16 SEP\"<"}, "-s", 1, "a 20000; ", UPDATED,
-     {"   Found 4 Enclosures/SEPs\n", "   PRODUCT ID = ENCL 16 SEPARATE\n", "   PRODUCT ID = ENCL 16 SEP\"<\n"}},
+                      {"z", "ENCL 16\u0001SEP", "1.00"}, OLDER}}, "{}", BOTH,
+     {"ENCL 16 SEP\"<"}, "-s", 1, "a 20000; ", UPDATED,
+     {"   Found 4 Enclosures/SEPs\n", "   PRODUCT ID = ENCL 16 SEPARATE\n",
+      "   PRODUCT ID = ENCL 16 SEP\"<\n"}},
 };
 // clang-format on
 
