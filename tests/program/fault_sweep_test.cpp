@@ -4,10 +4,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <tuple>
 
+#include "simulator/s_record.h"
 #include "tests/support/package_run.h"
 
 namespace {
@@ -132,6 +138,82 @@ INSTANTIATE_TEST_SUITE_P(EveryExchange, FaultSweep,
                          [](auto const& row) {
                              return std::string(std::get<0>(row.param).name) + std::get<1>(row.param).name;
                          });
+
+/// The step of the sweep over the enclosures' package, which has ten times the exchanges: the test run takes
+/// a sample, and KSL_SWEEP_STEP=1 goes through all of them by hand.
+std::size_t sweepStep() {
+    char const* const text = std::getenv("KSL_SWEEP_STEP");
+    int const step = text != nullptr ? std::atoi(text) : 24;
+    return static_cast<std::size_t>(std::max(step, 1));
+}
+
+class EnclosureSweep : public ::testing::TestWithParam<FaultKind> {
+  protected:
+    EnclosureSweep() {
+        for (auto const& entry : std::filesystem::directory_iterator(package.directory())) {
+            if (!entry.is_regular_file()) continue;
+            std::string const text = readText(entry.path());
+            if (text.starts_with("KSLROM1") || text.starts_with("S0")) m_images.push_back(text);
+        }
+    }
+    bool isOneOfTheImages(simulator::Bytes const& rom) const {
+        std::string const title = rom.size() < 32 ? ""
+                                                  : std::string(rom.begin() + 8, rom.begin() + 19) + " " +
+                                                        std::string(rom.begin() + 24, rom.begin() + 28);
+        std::string const bytes(rom.begin(), rom.end());
+        return std::count(m_images.begin(), m_images.end(), bytes) +
+                   std::count(m_images.begin(), m_images.end(), simulator::makeSRecords(rom, title)) ==
+               1;
+    }
+
+    std::vector<std::string> m_images;
+    PackageRun package{"enclosures"};
+};
+
+TEST_P(EnclosureSweep, EndsWellAtEachExchange) {
+    std::string const fault = std::string(R"(}, "action": {)") + GetParam().action + "}}";
+    std::map<int, int> statuses;
+    for (std::size_t exchange = 1;; exchange += sweepStep()) {
+        SCOPED_TRACE("exchange " + std::to_string(exchange));
+        package.resetMachine();
+        RunResult const run =
+            package.flash({"-s"}, "", {R"({"match": {"exchange": )" + std::to_string(exchange) + fault});
+        auto const journal = package.journal();
+        auto const struck = std::find_if(journal.begin(), journal.end(),
+                                         [](auto const& entry) { return !entry.fault.empty(); });
+        if (struck == journal.end()) {
+            EXPECT_GT(exchange, 800U) << "the fault never came";
+            break;
+        }
+        ++statuses[run.status];
+        EXPECT_TRUE(run.status >= 0 && run.status <= 10) << run.status << "\n" << run.errors;
+        EXPECT_FALSE(holdsReport(run.errors)) << run.errors;
+        for (char const* untouched : {"left 6.64/6.64", "right 6.64/6.64", "adapter/hba-c 3.00/3.00 ok",
+                                      "adapter/hba-d 0.30/0.30 ok"}) {
+            std::string const name(untouched, std::strchr(untouched, ' '));
+            EXPECT_EQ(package.firmware(name).find(untouched), 0U) << package.firmware(name);
+        }
+        for (auto const& device : package.devices()) {
+            if (device.kind != "enclosure_processor" || device.inactive.empty()) continue;
+            EXPECT_TRUE(isOneOfTheImages(package.romImage(device.name))) << device.name;
+        }
+        // A chunk has no reply that could be cut, so the device has it and the flash goes on.
+        bool const isRefused =
+            struck->command == "WRITE BUFFER" && GetParam().name != std::string("Truncated");
+        if (struck->command == "WRITE BUFFER") {
+            EXPECT_EQ(run.status, isRefused ? 9 : 1) << struck->unit;
+        }
+        std::string const log = package.componentLog();
+        EXPECT_TRUE(!isRefused || log.find("Failed: ENCL ") != std::string::npos) << struck->unit << "\n"
+                                                                                  << log;
+    }
+    EXPECT_GT(statuses[1], 0) << "most single faults leave the run as it is";
+    for (auto const& [status, count] : statuses)
+        RecordProperty("ended_with_" + std::to_string(status), count);
+}
+
+INSTANTIATE_TEST_SUITE_P(EachKind, EnclosureSweep, ::testing::ValuesIn(KINDS),
+                         [](auto const& row) { return std::string(row.param.name); });
 
 /// The two flashes of one controller, failed at each step: the second flash's result is the one that counts.
 TEST(FlashFailure, TheSecondFlashDecides) {
