@@ -204,7 +204,15 @@ Reply ArrayController::powerMode(Command const&) {
 }
 
 Reply ArrayController::senseLogicalDriveConfiguration(Command const& command) {
-    return answer(m_records.logicalDriveConfiguration(unitOf(command), &m_units));
+    return answer(m_records.logicalDriveConfiguration(unitOf(command), false, &m_units));
+}
+
+Reply ArrayController::senseOriginalConfiguration(Command const& command) {
+    return answer(m_records.logicalDriveConfiguration(unitOf(command), true, &m_units));
+}
+
+Reply ArrayController::senseLogicalDriveStatus(Command const& command) {
+    return answer(m_records.logicalDriveStatus(unitOf(command)));
 }
 
 Reply ArrayController::identifyLogicalDrive(Command const& command) {

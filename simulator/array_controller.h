@@ -60,6 +60,8 @@ class ArrayController : public Device {
     Reply identifyController(Command const&);
     Reply senseSubsystem(Command const&);
     Reply senseLogicalDriveConfiguration(Command const& command);
+    Reply senseOriginalConfiguration(Command const& command);
+    Reply senseLogicalDriveStatus(Command const& command);
     Reply identifyLogicalDrive(Command const& command);
     Reply senseParameters(Command const&);
     Reply senseRedundantParameters(Command const&);

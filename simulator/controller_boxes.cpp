@@ -70,6 +70,10 @@ void ControllerBoxes::add(Box box, std::string const& where) {
     busParameters(place.bus, place.target);  // refuses bad members of the scenario now
 }
 
+void ControllerBoxes::remove(std::size_t box, unsigned drive) {
+    std::erase(m_boxes[box].drives, drive);
+}
+
 ControllerBoxes::Box const* ControllerBoxes::find(unsigned bus, unsigned target) const {
     for (Box const& box : m_boxes)
         for (Path const& path : box.paths)

@@ -45,6 +45,8 @@ class ControllerBoxes {
     /// Throws ScenarioError, with `where`, when another box has one of its positions.
     void add(Box box, std::string const& where);
     std::vector<Box> const& all() const { return m_boxes; }
+    /// A drive that a scenario puts into a box, and that is missing.
+    void remove(std::size_t box, unsigned drive);
 
     /// Nothing when there is no box. The map of its drives has `limit` bits; more than 128 stand behind the
     /// record.

@@ -84,12 +84,13 @@ void ControllerUnits::findLimit(Object const& device) {
 /// Boxes tell which drives are in them. Also refuses an index that two devices have.
 void ControllerUnits::placeInBoxes() {
     for (std::size_t box = 0; box < m_boxes.all().size(); ++box)
-        for (unsigned const number : m_boxes.all()[box].drives)
-            for (Unit& unit : m_units)
-                if (unit.inMaps && unit.index() == number) {
-                    unit.inBox = true;
-                    unit.box = box;
-                }
+        for (unsigned const number : std::vector<unsigned>(m_boxes.all()[box].drives))
+            for (Unit& unit : m_units) {
+                if (!unit.inMaps || unit.index() != number) continue;
+                unit.inBox = true;
+                unit.box = box;
+                if (!unit.present(0)) m_boxes.remove(box, number);
+            }
     std::vector<unsigned> mapped;
     for (Unit const& unit : m_units)
         if (unit.inMaps) mapped.push_back(unit.index());
@@ -117,10 +118,6 @@ void ControllerUnits::markMaps(Filler& identify, Bytes& extended) const {
         if (index < m_limit) maps[map * size + index / 8] |= static_cast<std::uint8_t>(1U << index % 8);
         identify.mark(FIXED[map][0], index).mark(FIXED[map][1], index);
     };
-    auto const missing = [&](unsigned index) {
-        Drive const* const found = drive(index);
-        return found != nullptr && !found->present(0);
-    };
     for (ControllerBoxes::Box const& box : m_boxes.all()) {
         bool const external = ControllerBoxes::isExternal(box);
         for (auto const& processor : box.processors)
@@ -128,7 +125,6 @@ void ControllerUnits::markMaps(Filler& identify, Bytes& extended) const {
         for (unsigned const expander : box.expanders)
             mark(2, expander);
         for (unsigned const index : box.drives) {
-            if (missing(index)) continue;
             mark(0, index);
             if (external) mark(1, index);
         }

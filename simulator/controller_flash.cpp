@@ -25,7 +25,7 @@ using Controller = ArrayController;
 constexpr Controller::Management COMMANDS[] = {
     {0x10, "IDENTIFY LOGICAL DRIVE", Direction::In, SHORT, &Controller::identifyLogicalDrive},
     {0x11, "IDENTIFY CONTROLLER", Direction::In, SHORT, &Controller::identifyController},
-    {0x12, "SENSE LOGICAL DRIVE STATUS", Direction::In, SHORT, nullptr},
+    {0x12, "SENSE LOGICAL DRIVE STATUS", Direction::In, SHORT, &Controller::senseLogicalDriveStatus},
     {0x15, "IDENTIFY PHYSICAL DRIVE", Direction::In, SHORT, &Controller::identifyPhysicalDevice},
     {0x16, "SET MAINTENANCE", Direction::Out, SHORT, nullptr},
     {0x17, "SENSE MAINTENANCE", Direction::In, SHORT, nullptr},
@@ -39,7 +39,8 @@ constexpr Controller::Management COMMANDS[] = {
     {0x50, "SENSE LOGICAL DRIVE CONFIGURATION", Direction::In, SHORT,
      &Controller::senseLogicalDriveConfiguration},
     {0x51, "SET LOGICAL DRIVE CONFIGURATION", Direction::Out, SHORT, nullptr},
-    {0x55, "SENSE ORIGINAL LOGICAL DRIVE CONFIGURATION", Direction::In, SHORT, nullptr},
+    {0x55, "SENSE ORIGINAL LOGICAL DRIVE CONFIGURATION", Direction::In, SHORT,
+     &Controller::senseOriginalConfiguration},
     {0x59, "SENSE EXPANSION ABILITY", Direction::In, SHORT, nullptr},
     {0x5D, "MIRROR DRIVE PAIR INFO", Direction::In, SHORT, nullptr},
     {0x64, "SENSE CONTROLLER PARAMETERS", Direction::In, SHORT, &Controller::senseParameters},

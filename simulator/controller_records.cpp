@@ -23,8 +23,9 @@ ControllerRecords::ControllerRecords(Object const& device, Facts facts) : m_fact
     if (auto const drives = device.find("logical_drives")) {
         for (Value const& drive : drives->list()) {
             Object const object(drive);
-            m_logicalDrives.push_back(
-                {readOverride(object, "configuration"), readOverride(object, "identify")});
+            m_logicalDrives.push_back({readOverride(object, "configuration"),
+                                       readOverride(object, "original"), readOverride(object, "status"),
+                                       readOverride(object, "identify")});
             object.refuseOthers();
         }
         if (m_logicalDrives.size() > MOST_LOGICAL_DRIVES)
@@ -57,7 +58,9 @@ void ControllerRecords::checkAll() const {
     surfaceStatus();
     mnpStatus();
     for (unsigned drive = 0; drive < m_logicalDrives.size(); ++drive) {
-        logicalDriveConfiguration(drive, nullptr);
+        logicalDriveConfiguration(drive, false, nullptr);
+        logicalDriveConfiguration(drive, true, nullptr);
+        logicalDriveStatus(drive);
         identifyLogicalDrive(drive);
     }
     boardPower();
@@ -182,7 +185,8 @@ Bytes ControllerRecords::mnpStatus() const {
     return finishRecord(MNP_STATUS, Bytes(MNP_STATUS.size, 0), m_overrides.at("mnp_status"));
 }
 
-Bytes ControllerRecords::logicalDriveConfiguration(unsigned drive, ControllerUnits const* units) const {
+Bytes ControllerRecords::logicalDriveConfiguration(unsigned drive, bool original,
+                                                   ControllerUnits const* units) const {
     Filler record(LOGICAL_DRIVE_CONFIGURATION);
     record.number("dwTotalStructureLength", 512).number("dwFixedStructureLength", 300);
     if (drive >= m_logicalDrives.size()) return record.take();
@@ -197,7 +201,18 @@ Bytes ControllerRecords::logicalDriveConfiguration(unsigned drive, ControllerUni
     if (units != nullptr) units->markRoles(record, maps, drive);
     Bytes whole = record.take();
     whole.insert(whole.end(), maps.begin(), maps.end());
-    return finishRecord(LOGICAL_DRIVE_CONFIGURATION, std::move(whole), m_logicalDrives[drive].configuration);
+    whole = finishRecord(LOGICAL_DRIVE_CONFIGURATION, std::move(whole), m_logicalDrives[drive].configuration);
+    if (!original) return whole;
+    return finishRecord(LOGICAL_DRIVE_CONFIGURATION, std::move(whole), m_logicalDrives[drive].original);
+}
+
+Bytes ControllerRecords::logicalDriveStatus(unsigned drive) const {
+    Filler record(LOGICAL_DRIVE_STATUS);
+    record.number("wMaximumPhysicalDevicesSupported", 128)
+        .number("dwTotalStructureLength", LOGICAL_DRIVE_STATUS.size)
+        .number("dwFixedStructureLength", 1056);
+    if (drive >= m_logicalDrives.size()) return record.take();
+    return finishRecord(LOGICAL_DRIVE_STATUS, record.take(), m_logicalDrives[drive].status);
 }
 
 Bytes ControllerRecords::identifyLogicalDrive(unsigned drive) const {

@@ -43,7 +43,9 @@ class ControllerRecords {
     Bytes boardPower() const;
     Bytes powerMode() const;
     /// A record of zeros but for its lengths when there is no such drive.
-    Bytes logicalDriveConfiguration(unsigned drive, ControllerUnits const* units) const;
+    /// `original`: as it was before spares took drives' places.
+    Bytes logicalDriveConfiguration(unsigned drive, bool original, ControllerUnits const* units) const;
+    Bytes logicalDriveStatus(unsigned drive) const;
     Bytes identifyLogicalDrive(unsigned drive) const;
     /// Nothing when there is no such page.
     std::optional<Bytes> encryptionPage(unsigned page) const;
@@ -52,6 +54,8 @@ class ControllerRecords {
     using Override = RecordOverride;
     struct LogicalDrive {
         Override configuration;
+        Override original;
+        Override status;
         Override identify;
     };
     void checkAll() const;

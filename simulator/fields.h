@@ -40,6 +40,7 @@ struct RecordLayout {
 extern RecordLayout const IDENTIFY_CONTROLLER;
 extern RecordLayout const IDENTIFY_LOGICAL_DRIVE;
 extern RecordLayout const LOGICAL_DRIVE_CONFIGURATION;
+extern RecordLayout const LOGICAL_DRIVE_STATUS;
 extern RecordLayout const LOGICAL_DRIVE_GEOMETRY;
 extern RecordLayout const SUBSYSTEM_INFORMATION;
 extern RecordLayout const PHYSICAL_PORT;

@@ -104,6 +104,59 @@ constexpr Field identifyLogicalDriveFields[] = {
     {118, 394, FieldKind::Reserved, "reserved1"},
 };
 
+constexpr Field logicalDriveStatusFields[] = {
+    {0, 1, FieldKind::Number, "bUnitStatus"},
+    {1, 4, FieldKind::Number, "dwDriveFailureMap"},
+    {5, 64, FieldKind::Words, "wReadErrorCount"},
+    {69, 64, FieldKind::Words, "wWriteErrorCount"},
+    {133, 256, FieldKind::Raw, "bDriveErrorData"},
+    {389, 32, FieldKind::Raw, "bDRQTimeOutCount"},
+    {421, 4, FieldKind::Number, "dwBlocksLeftToRecover"},
+    {425, 1, FieldKind::Number, "bDriveRebuilding"},
+    {426, 64, FieldKind::Words, "wRemapCount"},
+    {490, 4, FieldKind::Number, "dwReplacementDriveMap"},
+    {494, 4, FieldKind::Number, "dwActiveSpareMap"},
+    {498, 1, FieldKind::Number, "bSpareStatus"},
+    {499, 32, FieldKind::Raw, "bSpareToReplaceMap"},
+    {531, 4, FieldKind::Number, "dwReplacedMarkedOKMap"},
+    {535, 1, FieldKind::Number, "bMediaExchanged"},
+    {536, 1, FieldKind::Number, "bCacheFailure"},
+    {537, 1, FieldKind::Number, "bExpandFailure"},
+    {538, 1, FieldKind::Number, "bUnitFlags"},
+    {539, 16, FieldKind::Raw, "pbBigDriveFailureMap"},
+    {555, 256, FieldKind::Words, "pwBigRemapCount"},
+    {811, 16, FieldKind::Raw, "pbBigReplacementDriveMap"},
+    {827, 16, FieldKind::Raw, "pbBigActiveSpareMap"},
+    {843, 128, FieldKind::Raw, "pbBigSpareToReplaceMap"},
+    {971, 16, FieldKind::Raw, "pbBigReplacedMarkedOKMap"},
+    {987, 1, FieldKind::Number, "bBigDriveRebuilding"},
+    {988, 8, FieldKind::Number, "qwBigBlocksLeftToRecover"},
+    {996, 2, FieldKind::Number, "wNeverAccessedLBAZonesMap"},
+    {998, 2, FieldKind::Number, "wUnwrittenLBAZonesMap"},
+    {1000, 1, FieldKind::Number, "bSourceResourceVolumeFlag"},
+    {1001, 1, FieldKind::Number, "bReplicaState"},
+    {1002, 2, FieldKind::Number, "wExtendedDriveRebuilding"},
+    {1004, 2, FieldKind::Number, "wOffsetToExtendedDriveFailureMap"},
+    {1006, 2, FieldKind::Number, "wOffsetToExtendedReplacementDriveMap"},
+    {1008, 2, FieldKind::Number, "wOffsetToExtendedActiveSpareMap"},
+    {1010, 2, FieldKind::Number, "wOffsetToExtendedReplacedMarkedOKMap"},
+    {1012, 2, FieldKind::Number, "wOffsetToExtendedSpareToReplaceMap"},
+    {1014, 2, FieldKind::Number, "wOffsetToExtendedRemapCount"},
+    {1016, 2, FieldKind::Number, "wOffsetToDriveRebuildPercentage"},
+    {1018, 2, FieldKind::Number, "wMaximumPhysicalDevicesSupported"},
+    {1020, 4, FieldKind::Number, "dwTotalStructureLength"},
+    {1024, 2, FieldKind::Number, "wOffsetToExtendedRedundantPathFailureMap"},
+    {1026, 1, FieldKind::Number, "bEncryptionFlags"},
+    {1027, 1, FieldKind::Number, "bRedundantCablingFlags"},
+    {1028, 16, FieldKind::Raw, "pbBigRedundantPathFailureMap"},
+    {1044, 4, FieldKind::Number, "dwFixedStructureLength"},
+    {1048, 2, FieldKind::Number, "wOffsetToExtendedDriveOfflineMap"},
+    {1050, 1, FieldKind::Number, "bSecondaryUnitStatus"},
+    {1051, 1, FieldKind::Number, "bAdditionalEncryptionFlags"},
+    {1052, 4, FieldKind::Number, "dwLogicalDriveStateBitField"},
+    {1056, 480, FieldKind::Reserved, "reserved1"},
+};
+
 constexpr Field cacheConfigurationFields[] = {
     {0, 4, FieldKind::Number, "dwCacheDisabledMap"},
     {4, 2, FieldKind::Number, "wReadCacheSize"},
@@ -156,6 +209,7 @@ constinit RecordLayout const LOGICAL_DRIVE_CONFIGURATION = {"logical drive confi
                                                             logicalDriveConfigurationFields};
 constinit RecordLayout const IDENTIFY_LOGICAL_DRIVE = {"identify logical drive", 512,
                                                        identifyLogicalDriveFields};
+constinit RecordLayout const LOGICAL_DRIVE_STATUS = {"logical drive status", 1536, logicalDriveStatusFields};
 constinit RecordLayout const CACHE_CONFIGURATION = {"cache configuration", 512, cacheConfigurationFields};
 
 }  // namespace simulator

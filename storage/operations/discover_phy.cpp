@@ -47,8 +47,7 @@ Common::shared_ptr<Core::Device> phyOf(Identify const& record, unsigned number) 
 }  // namespace
 
 Core::OperationReturn DiscoverPhy::visit(Schema::PhysicalDrive& drive) {
-    return discover(drive, drive,
-                    Schema::PhysicalDrive::identifyIndex(drive.getDevicePtr(), drive.physicalDriveNumber()));
+    return discover(drive, drive, drive.physicalDriveNumber());
 }
 
 Core::OperationReturn DiscoverPhy::visit(Schema::Expander& expander) {

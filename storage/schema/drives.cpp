@@ -25,6 +25,16 @@ constexpr char const* DRIVE_TYPES[] = {
 /// do; the bits of all later maps are addressed behind it.
 constexpr unsigned short FIRST_MAP_INDEX = 128;
 
+unsigned short identifyIndex(Common::shared_ptr<Core::Device> device, unsigned short driveNumber) {
+    for (; device; device = device->pParent()) {
+        if (auto const* const controller = dynamic_cast<ArrayController const*>(device.get())) {
+            if (controller->smallDrivemapSupport()) return driveNumber;
+            break;
+        }
+    }
+    return static_cast<unsigned short>(driveNumber + FIRST_MAP_INDEX);
+}
+
 }  // namespace
 
 PhysicalDrive::PhysicalDrive(Common::string const& handle, unsigned short driveNumber, EnDriveType driveType)
@@ -33,17 +43,6 @@ PhysicalDrive::PhysicalDrive(Common::string const& handle, unsigned short driveN
       m_driveNumber(driveNumber) {
     publish(*this, Names::PhysicalDrive::ATTR_NAME_DEVICE_NUMBER, decimalText(driveNumber));
     publish(*this, Names::PhysicalDrive::ATTR_NAME_DRIVE_TYPE, DRIVE_TYPES[driveType]);
-}
-
-unsigned short PhysicalDrive::identifyIndex(Common::shared_ptr<Core::Device> device,
-                                            unsigned short driveNumber) {
-    for (; device; device = device->pParent()) {
-        if (auto const* const controller = dynamic_cast<ArrayController const*>(device.get())) {
-            if (controller->smallDrivemapSupport()) return driveNumber;
-            break;
-        }
-    }
-    return static_cast<unsigned short>(driveNumber + FIRST_MAP_INDEX);
 }
 
 bool PhysicalDrive::identifyPhysicalDrive(Common::shared_ptr<Core::Device> device, BMICDevice& target,

@@ -19,10 +19,6 @@ class PhysicalDrive : public Node<PhysicalDrive, Core::DeviceComposite, 129, For
 
     unsigned short physicalDriveNumber() const { return m_driveNumber; }
 
-    /// What an identify command calls the drive `driveNumber`: what is above `device` tells how the
-    /// controller counts.
-    static unsigned short identifyIndex(Common::shared_ptr<Core::Device> device, unsigned short driveNumber);
-
     /// Asks the controller behind `target` to identify the drive `driveNumber`. `device` is the drive, or
     /// any device below or at the controller: what is above it tells how the controller counts. `status` is
     /// the reply, of which `received` bytes came; both untouched when nothing was sent, because `result` had

@@ -97,7 +97,7 @@ class Drives : public MachineTest {
             {"name": "gone", "state": "missing", "role": "data"}],
           "tapes": [{"index": 40, "product": "ULTRIUM DR-3"}],
           "boxes": [{"bus": 8, "target": 0, "number": 4, "bays": 4, "drives": [0, 11]}],
-          "logical_drives": [{}],
+          "logical_drives": [{"status": {"pbBigActiveSpareMap": "04"}, "original": {"pbBigDriveAssignmentMap": "03 08"}}],
           "cache_firmware": {"version": 4},
           "i2c_nvram": [{"id": 80, "contents": "01 02"}]})"));
         return all;
@@ -122,10 +122,15 @@ TEST_F(Drives, StandInTheMapsAndReports) {
     EXPECT_EQ((Bytes{0, 0, 0, 0, 0, 0x01}), part(identify.data, 86, 92)) << "no disk";
     EXPECT_EQ((Bytes{0x07, 0x06}), part(identify.data, 18, 20));
 
+    EXPECT_EQ((Bytes{0x01, 0x00}), part(send(ONE, sense(0x65, 1024, 0x0800U << 16)).data, 216, 218))
+        << "in the box";
+
     Reply const configuration = send(ONE, sense(0x50, 512));
     EXPECT_EQ((Bytes{0x01, 0x08}), part(configuration.data, 98, 100)) << "data";
     EXPECT_EQ((Bytes{0x04, 0x00}), part(configuration.data, 114, 116)) << "spare";
     EXPECT_EQ(2, configuration.data[8]);
+    EXPECT_EQ((Bytes{0x03, 0x08}), part(send(ONE, sense(0x55, 512)).data, 98, 100)) << "before the spare";
+    EXPECT_EQ(4, send(ONE, sense(0x12, 1536)).data[827]) << "active spare";
 
     Command report = toDrive(0, {0xC3, 2, 0, 0, 0, 0, 0, 0, 4, 0, 0, 0}, Direction::In, 1024);
     report.address = {};

@@ -1,0 +1,206 @@
+// Drives, carriers, the cache module and memory of the machine room: found, told of, flashed and read back.
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "flash/component_operations.h"
+#include "flash/nvram.h"
+#include "storage/operations/discover_non_vaultline_physical_drive.h"
+#include "storage/operations/discover_storage_enclosure.h"
+#include "storage/operations/read_ssd_info.h"
+#include "tests/flash/flash_fixture.h"
+
+namespace flash_test {
+namespace {
+
+class DriveRoom : public FlashTest {
+  protected:
+    DriveRoom() {
+        for (auto const& [type, operation] : {std::pair{"ARRAY_CONTROLLER", "DISCOVER_STORAGE_ENCLOSURES"},
+                                              {"ARRAY_CONTROLLER", "DISCOVER_PHYSICAL_DRIVES"},
+                                              {"ARRAY_CONTROLLER", "DISCOVER_TAPE_DRIVES"},
+                                              {"STORAGE_ENCLOSURE", "DISCOVER_DRIVE_CAGES"},
+                                              {"DRIVE_CAGE", "DISCOVER_PHYSICAL_DRIVES"},
+                                              {"PHYSICAL_DRIVE", "READ_PHYSICAL_DRIVE_INFO"}}) {
+            Core::Device::RegisterOperation((std::string("ATTR_VALUE_TYPE_") + type).c_str(),
+                                            (std::string("OPERATION_") + operation).c_str());
+        }
+    }
+
+    /// All below a device, of one type.
+    static std::vector<DevicePointer> below(Core::Device const& parent, std::string const& type) {
+        std::vector<DevicePointer> found;
+        for (auto child = parent.beginChild(); child != parent.endChild(); ++child) {
+            if (attribute(**child, "ATTR_NAME_TYPE") == "ATTR_VALUE_TYPE_" + type) found.push_back(*child);
+            auto const deeper = below(**child, type);
+            found.insert(found.end(), deeper.begin(), deeper.end());
+        }
+        return found;
+    }
+    DevicePointer drive(char const* number) const {
+        for (DevicePointer const& each : below(only(), "PHYSICAL_DRIVE"))
+            if (attribute(*each, "ATTR_NAME_DEVICE_NUMBER") == number) return each;
+        throw std::runtime_error(std::string("no drive ") + number);
+    }
+    template <class Operation>
+    static std::string write(Core::Device& device, Bytes const& image, Arguments arguments = {}) {
+        OperationPointer const operation(new Operation);
+        auto const verdict = operation->pFilter()->apply(device.getDevicePtr());
+        if (!verdict) return attribute(verdict, "ATTR_NAME_UNAVAILABLE_REASON");
+        arguments.emplace_back("ATTR_NAME_BUFFER_ADDRESS",
+                               std::to_string(reinterpret_cast<std::uintptr_t>(image.data())));
+        arguments.emplace_back("ATTR_NAME_BUFFER_SIZE", std::to_string(image.size()));
+        for (auto const& [name, value] : arguments)
+            operation->SetArgument(Core::DeviceOperation::eSET, name, value.c_str());
+        return status(device.perform(operation));
+    }
+    std::string state(char const* name) {
+        auto const row = this->device(std::string("one/") + name);
+        return row.running + " " + row.stored + " " + row.state;
+    }
+};
+
+constexpr char SUCCESS[] = "ATTR_VALUE_STATUS_SUCCESS";
+
+TEST_F(DriveRoom, TakesWhatTheFlashOperationsWrite) {
+    discover(oneController(json::parse(R"({
+        "identify": {"dwYetMoreControllerFlags": "0x28000001"},
+        "cache_module": {"dwCacheFlags": 1, "bCacheSupportFlags": 1},
+        "drives": [
+          {"name": "spinner", "product": "EG0300SPIN", "revision": "HP01", "role": "data",
+           "carrier": {"application": 11, "bootloader": 6}},
+          {"name": "sata", "interface": "sata", "product": "MB4000SATA", "revision": "HPG2"},
+          {"name": "flash", "interface": "sas_ssd", "product": "MO0400SSD", "role": "spare",
+           "wear": {"percent": 7, "remaining_days": 300, "power_on_hours": 9000, "power_cycles": 33}},
+          {"name": "light", "interface": "sata_ssd", "wear": {"percent": 100, "power_cycles": 5},
+           "erase": {"status": 2, "pattern": 1, "percent": 40}},
+          {"name": "gone", "state": "missing"}],
+        "tapes": [{"index": 40, "product": "ULTRIUM DR-3"}],
+        "boxes": [{"bus": 8, "target": 0, "number": 4, "bays": 4, "drives": [0]}],
+        "logical_drives": [{}],
+        "cache_firmware": {"version": 4, "family": "GOLDPIC"},
+        "i2c_nvram": [{"id": 80, "contents": "01 02"}]})")));
+    ASSERT_EQ(4U, below(only(), "PHYSICAL_DRIVE").size());
+    EXPECT_EQ(1U, below(only(), "TAPE_DRIVE").size());
+    struct Row {
+        char const* drive;
+        char const* name;
+        char const* value;
+    };
+    static Row const rows[] = {
+        {"0", "DRIVE_TYPE", "ATTR_VALUE_DRIVE_TYPE_DATA"},
+        {"0", "CARRIER_APPLICATION_VERSION", "11"},
+        {"0", "LOCATION_HINT", "Port 1E, Box 4, Bay 1"},
+        {"1", "INTERFACE", "ATTR_VALUE_INTERFACE_SATA"},
+        {"2", "DRIVE_TYPE", "ATTR_VALUE_DRIVE_TYPE_SPARE"},
+        {"2", "EXINFO_SUPPORTED", "ATTR_VALUE_EXINFO_SUPPORTED_TRUE"},
+        {"3", "ERASE_PERCENT_COMPLETE", "40"},
+        {"3", "INTERFACE", "ATTR_VALUE_INTERFACE_SATA_SSD"},
+    };
+    for (Row const& row : rows) {
+        EXPECT_EQ(row.value, attribute(*drive(row.drive), (std::string("ATTR_NAME_") + row.name).c_str()))
+            << row.drive << " " << row.name;
+    }
+    EXPECT_EQ("ATTR_VALUE_TYPE_DRIVE_CAGE", attribute(*drive("0")->pParent(), "ATTR_NAME_TYPE"));
+    for (auto const& [number, percent] : {std::pair{"2", "7"}, {"3", "100"}}) {
+        EXPECT_TRUE(drive(number)->perform(OperationPointer(new Operations::ReadSSDInfo)));
+        EXPECT_EQ(percent, attribute(*drive(number), "ATTR_NAME_EXINFO_SSD_UTILIZATION"));
+    }
+
+    using namespace Operations;
+    char const* const scsi = "ATTR_VALUE_FLASH_TYPE_SCSI_WRITE_BUFFER";
+    char const* const ata = "ATTR_VALUE_FLASH_TYPE_ATA_PASSTHRU_DOWNLOAD_MICROCODE";
+    for (std::size_t const size : {32767U, 32768U, 32769U, 65536U}) {
+        std::string const version = "H" + std::to_string(size % 1000);
+        Bytes const spinner = simulator::makeImage("EG0300SPIN", version, size, size);
+        EXPECT_EQ(SUCCESS,
+                  write<WriteFlashPhysicalDrive>(*drive("0"), spinner, {{"ATTR_NAME_FLASH_TYPE", scsi}}));
+        EXPECT_EQ(version + " " + version, state("spinner").substr(0, 2 * version.size() + 1)) << size;
+        EXPECT_TRUE(spinner == machine->romImage("one/spinner", simulator::Rom::Active)) << size;
+        Bytes const sata = simulator::makeImage("MB4000SATA", version, size, size);
+        EXPECT_EQ(SUCCESS,
+                  write<WriteFlashPhysicalDrive>(*drive("1"), sata, {{"ATTR_NAME_FLASH_TYPE", ata}}));
+        EXPECT_EQ("HPG2 " + version + " restart needed", state("sata")) << size;
+    }
+    Bytes const wrong = simulator::makeImage("OTHER DRIVE", "H9", 40000, 1);
+    EXPECT_EQ("ATTR_VALUE_STATUS_FAILURE",
+              write<WriteFlashPhysicalDrive>(*drive("0"), wrong, {{"ATTR_NAME_FLASH_TYPE", scsi}}));
+    EXPECT_EQ(SUCCESS, write<WriteFlashDriveActiveCarrier>(*drive("0"),
+                                                           simulator::makeImage("CARRIER", "12", 32768, 3)));
+    EXPECT_EQ("ATTR_VALUE_UNAVAILABLE_REASON_CARRIER_AUTHENTICATION_STATUS_NOT_OK",
+              write<WriteFlashDriveActiveCarrier>(*drive("1"), wrong));
+    EXPECT_EQ(SUCCESS, write<WriteFlashFBWC>(only(), simulator::makeImage("GOLDPIC", "5", 49152, 4)));
+    discover();
+    EXPECT_EQ("5", attribute(only(), "ATTR_NAME_CACHE_AUTO_REVISION"));
+    EXPECT_EQ("12", attribute(*drive("0"), "ATTR_NAME_CARRIER_APPLICATION_VERSION"));
+
+    Bytes memory(256, 0xA5);
+    memory[255] = 0x5A;
+    EXPECT_EQ(SUCCESS, write<WriteFlashNVRAM>(only(), memory, {{"ATTR_NAME_BMIC_I2C_ID", "80"}}));
+    std::string const path = testing::TempDir() + "room-nvram-" + std::to_string(getpid());
+    OperationPointer const read(new ReadNVRAM);
+    read->SetArgument(Core::DeviceOperation::eSET, "ATTR_NAME_BMIC_I2C_ID", "80");
+    read->SetArgument(Core::DeviceOperation::eSET, "ATTR_NAME_OUTPUT_FILE_NAME", path.c_str());
+    EXPECT_EQ(SUCCESS, status(only().perform(read)));
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(memory == (Bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()}));
+    std::filesystem::remove(path);
+}
+
+TEST_F(DriveRoom, HasDrivesBehindPlainAdapters) {
+    discover(json::parse(R"({"devices": [{"name": "hba", "kind": "csmi_adapter",
+        "pci": {"address": "0000:05:00.0", "driver": "mpt2sas"},
+        "phys": [
+          {"kind": "expander", "sas_address": "51E5C0A000000100", "phys": [
+            {"kind": "enclosure_processor", "sas_address": "51E5C0A000000110", "name": "sep",
+             "product": "ENCL 08 SEP", "port": "1E", "box": 1},
+            {"kind": "drive", "sas_address": "51E5C0A000000120", "name": "sas", "vendor": "VQ",
+             "product": "EG0300SPIN", "revision": "HP01", "serial": "SN-1"},
+            {"kind": "drive", "sas_address": "51E5C0A000000121", "name": "sata", "interface": "sata_ssd",
+             "product": "MB4000SATA", "revision": "HPG20001", "serial": "SN-2"}]},
+          {"kind": "drive", "sas_address": "51E5C0A000000130", "name": "alone"},
+          {"kind": "drive", "sas_address": "0000000000000000", "name": "nowhere"}]}]})"));
+    auto const adapters = children("ATTR_VALUE_TYPE_HBA");
+    ASSERT_EQ(1U, adapters.size());
+    Core::Device& adapter = *adapters[0];
+    using Operations::DiscoverNonVaultlinePhysicalDrive;
+    EXPECT_TRUE(adapter.perform(OperationPointer(new DiscoverNonVaultlinePhysicalDrive)));
+    auto const drives = below(adapter, "NON_VAULTLINE_PHYSICAL_DRIVE");
+    ASSERT_EQ(3U, drives.size()) << "none without an address";
+    struct Row {
+        char const* name;
+        char const* sas;
+        char const* sata;
+    };
+    static Row const rows[] = {
+        {"WWID", "51E5C0A000000120", "51E5C0A000000121"},
+        {"VENDOR_ID", "VQ", "ATA"},
+        {"DRIVE_MODEL", "EG0300SPIN", "MB4000SATA"},
+        {"SERIAL_NUMBER", "SN-1", "SN-2"},
+        {"FIRMWARE_REVISION", "HP01", "HPG20001"},
+        {"INTERFACE", "ATTR_VALUE_INTERFACE_SAS", "ATTR_VALUE_INTERFACE_SATA_SSD"},
+    };
+    auto const of = [&](char const* address) -> Core::Device& {
+        for (DevicePointer const& each : drives)
+            if (attribute(*each, "ATTR_NAME_WWID") == address) return *each;
+        throw std::runtime_error(address);
+    };
+    for (Row const& row : rows) {
+        std::string const name = std::string("ATTR_NAME_") + row.name;
+        EXPECT_EQ(row.sas, attribute(of("51E5C0A000000120"), name.c_str())) << row.name;
+        EXPECT_EQ(row.sata, attribute(of("51E5C0A000000121"), name.c_str())) << row.name;
+    }
+    EXPECT_TRUE(of("51E5C0A000000121").perform(OperationPointer(new Operations::ReadSSDInfo)));
+
+    // The box has the drives that share its processors' expander.
+    EXPECT_TRUE(adapter.perform(OperationPointer(new Operations::DiscoverStorageEnclosure)));
+    auto const boxes = below(adapter, "STORAGE_ENCLOSURE");
+    ASSERT_EQ(1U, boxes.size());
+    EXPECT_TRUE(boxes[0]->perform(OperationPointer(new DiscoverNonVaultlinePhysicalDrive)));
+    EXPECT_EQ(2U, below(*boxes[0], "NON_VAULTLINE_PHYSICAL_DRIVE").size());
+}
+
+}  // namespace
+}  // namespace flash_test
