@@ -10,6 +10,7 @@
 #include "common/debug_logger.h"
 #include "common/sleep.h"
 #include "flash/write_flash_sep_firmware.h"
+#include "storage/operations/physical_device_iterator.h"
 #include "storage/schema/adapters.h"
 #include "storage/schema/array_controller.h"
 #include "storage/schema/identity.h"
@@ -202,10 +203,10 @@ class SepTest : public FlashTest {
 
     /// Makes processors with indexes 1, 2, ... below the controller or the adapter.
     void addSeps(unsigned count, char const* product, bool onAdapter = false, char const* revision = "9.99") {
+        Operations::PhysicalDeviceIterator const devices(*controller);
         Core::Device& parent = onAdapter ? static_cast<Core::Device&>(*adapter) : *controller;
         for (unsigned i = 1; i <= count; ++i) {
-            // One handle for all, the adapter's, as discovery gives them.
-            auto* const sep = new FakeSep(controller->handle(), i);
+            auto* const sep = new FakeSep(*devices.find(static_cast<unsigned short>(i)), i);
             Schema::publish(*sep, "ATTR_NAME_PRODUCT_ID", product);
             Schema::publish(*sep, "ATTR_NAME_FIRMWARE_REVISION", revision);
             seps.push_back(sep);

@@ -219,7 +219,7 @@ TEST_F(SepTest, TellsWhatIsWrongWithArguments) {
         char const* argument;
     };
     Row const rows[] = {
-        {controller, {product, limit}, false, MISSING, "ATTR_NAME_BUFFER_ADDRESS"},
+        {controller, {product, limit}, false, MISSING, "ATTR_NAME_BUFFER_SIZE"},
         {controller,
          {product, limit, {"ATTR_NAME_BUFFER_ADDRESS", "1"}},
          false,
@@ -239,7 +239,7 @@ TEST_F(SepTest, TellsWhatIsWrongWithArguments) {
          true,
          "ATTR_VALUE_STATUS_FAILURE",
          ABSENT},
-        {seps[0], {}, false, MISSING, "ATTR_NAME_BUFFER_ADDRESS"},
+        {seps[0], {}, false, MISSING, "ATTR_NAME_BUFFER_SIZE"},
         {seps[0],
          {{"ATTR_NAME_BUFFER_ADDRESS", "0"}, {"ATTR_NAME_BUFFER_SIZE", "1"}},
          false,
@@ -250,6 +250,21 @@ TEST_F(SepTest, TellsWhatIsWrongWithArguments) {
          false,
          INVALID,
          "ATTR_NAME_BUFFER_SIZE"},
+        {seps[0],
+         {{"ATTR_NAME_BUFFER_ADDRESS", "1"}, {"ATTR_NAME_BUFFER_SIZE", "4294967297"}},
+         false,
+         INVALID,
+         "ATTR_NAME_BUFFER_SIZE"},
+        {seps[0],
+         {{"ATTR_NAME_BUFFER_ADDRESS", "1"}, {"ATTR_NAME_BUFFER_SIZE", "0"}},
+         false,
+         INVALID,
+         "ATTR_NAME_BUFFER_SIZE"},
+        {controller,
+         {product, {"ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE", "65536"}},
+         true,
+         INVALID,
+         "ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE"},
     };
     for (Row const& row : rows) {
         auto const result = run(*row.device, row.arguments, row.withImage);
