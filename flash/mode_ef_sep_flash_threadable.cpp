@@ -1,5 +1,6 @@
 #include "flash/mode_ef_sep_flash_threadable.h"
 
+#include <cstddef>
 #include <cstring>
 
 #include "common/conversion.h"
@@ -69,6 +70,11 @@ Common::string swappedProduct(Common::string const& product) {
     return {};
 }
 
+/// Whether a page reaches behind all that a device is known by: half a WWID could be another's.
+bool hasAllMembers(unsigned received) {
+    return received > offsetof(Records::PHYSICAL_DRIVE_STATUS, bMultiPathBox8);
+}
+
 bool isAtPlace(Records::PHYSICAL_DRIVE_STATUS const& found, Common::string const& port, unsigned char box) {
     return !port.empty() && box >= 1 && box <= LAST_BOX_SEARCHED &&
            Common::string(found.sPhysicalPort, strnlen(found.sPhysicalPort, 2)) == port &&
@@ -94,8 +100,10 @@ void ModeEFSEPFlashThreadable::identifyBehindController() {
     if (m_sep == nullptr) return;
     Identify page;
     Core::OperationReturn outcome;
-    Schema::PhysicalDrive::identifyPhysicalDrive(m_device, *m_sep, m_sep->bmicIndex(), page, outcome);
-    if (!outcome || page.get() == nullptr) return;
+    unsigned received = 0;
+    Schema::PhysicalDrive::identifyPhysicalDrive(m_device, *m_sep, m_sep->bmicIndex(), page, outcome,
+                                                 &received);
+    if (!outcome || page.get() == nullptr || !hasAllMembers(received)) return;
     m_wwid = wwidOf(page->bWWID);
     m_port = portOf(page->sPhysicalPort);
     m_box = boxOf(page->bPhysicalBox);
@@ -197,9 +205,10 @@ bool ModeEFSEPFlashThreadable::isThisDevice(Common::string const& handle) const 
     Schema::SEP const candidate(handle);
     Identify page;
     Core::OperationReturn outcome;
+    unsigned received = 0;
     Schema::PhysicalDrive::identifyPhysicalDrive(m_storageSystem, *controller, candidate.bmicIndex(), page,
-                                                 outcome);
-    return outcome && page.get() != nullptr && hasIdentityOf(*page);
+                                                 outcome, &received);
+    return outcome && page.get() != nullptr && hasAllMembers(received) && hasIdentityOf(*page);
 }
 
 bool ModeEFSEPFlashThreadable::hasIdentityOf(Records::PHYSICAL_DRIVE_STATUS const& found) const {

@@ -96,6 +96,7 @@ void SepFlashRun::flashInParallel() {
         std::size_t const count = std::min(most, m_objects.size() - started);
         startThreads({first, first + static_cast<std::ptrdiff_t>(count)});
     }
+    if (m_objects.empty()) return;
     if (m_request.resets && canPerformReset(m_info, sumUp(m_objects.begin(), m_objects.end()))) {
         reset({m_objects.begin(), m_objects.end()});
         return;

@@ -213,6 +213,7 @@ bool FlashSEPFirmware::sendChunks(SCSIDevice& device, SCSIRequest& request) {
 
 bool FlashSEPFirmware::sendSRecords(SCSIDevice& device, SCSIRequest& request) {
     std::size_t at = lineEnd(m_image, 0);
+    bool hasSent = m_image.size == 0;
     while (at < m_image.size) {
         std::size_t const start = at;
         std::size_t length = 0;
@@ -220,15 +221,19 @@ bool FlashSEPFirmware::sendSRecords(SCSIDevice& device, SCSIRequest& request) {
             at += length;
         }
         if (at != start && !sendLocked(device, request, start, at - start)) return false;
+        hasSent = hasSent || at != start;
         if (length != 0 || at == m_image.size) continue;
-        if (isPadding(m_image, at)) return true;
+        if (hasSent && isPadding(m_image, at)) return true;
         // The device has a part of its firmware then, or none, and nobody may call that a success.
         Common::DebugLogger::LogCommand("No whole S-record at byte %zu of %zu: found 0x%02X, expected 'S'",
                                         at, m_image.size, static_cast<unsigned>(m_image.bytes[at]));
         request.lowLevelStatus = EINVAL;
         return false;
     }
-    return true;
+    if (hasSent) return true;
+    Common::DebugLogger::LogCommand("No S-record in %zu bytes of line ends", m_image.size);
+    request.lowLevelStatus = EINVAL;
+    return false;
 }
 
 bool FlashSEPFirmware::sendLocked(SCSIDevice& device, SCSIRequest& request, std::size_t offset,

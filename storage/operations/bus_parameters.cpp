@@ -68,7 +68,7 @@ Schema::PhysicalDriveMap installedDrives(SenseBox const& sense) {
     return map;
 }
 
-bool walkBoxes(BMICDevice& controller, BoxWalk& walk, Core::OperationReturn& result) {
+bool walkBoxes(BMICDevice& controller, std::vector<Box>& boxes, Core::OperationReturn& result) {
     SenseControllerCommand<IdentifyControllerTrait> identify;
     DeviceCommandReturn::executeCommand(identify, controller, result);
     if (result && !holdsWhole(identify, "Identify record")) {
@@ -76,28 +76,25 @@ bool walkBoxes(BMICDevice& controller, BoxWalk& walk, Core::OperationReturn& res
                                        Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE));
     }
     if (!result) return false;
-    walk = walkBoxes(controller, identify.record());
+    boxes = walkBoxes(controller, identify.record());
     return true;
 }
 
-BoxWalk walkBoxes(BMICDevice& controller, Records::IDENTIFY_CONTROLLER const& identify) {
-    BoxWalk walk;
+std::vector<Box> walkBoxes(BMICDevice& controller, Records::IDENTIFY_CONTROLLER const& identify) {
+    std::vector<Box> boxes;
     for (std::uint8_t bus = 0; bus < BUSES; ++bus) {
         std::bitset<BOXES_PER_BUS> marked(*portStatus(identify, bus));
         for (std::uint8_t target = 0; target < BOXES_PER_BUS; ++target) {
             if (!marked[target]) continue;
             SenseBox sense(bus, target);
-            if (!sense.answers(controller)) {
-                walk.isComplete = false;
-                continue;
-            }
-            walk.boxes.push_back({{bus, target}, sense.recordCopy(), installedDrives(sense)});
+            if (!sense.answers(controller)) continue;
+            boxes.push_back({{bus, target}, sense.recordCopy(), installedDrives(sense)});
             for (unsigned behind = STATUS_BITS; behind < BOXES_PER_BUS; ++behind) {
                 if (bit(sense.record().pbBigBoxMap, behind)) marked.set(behind);
             }
         }
     }
-    return walk;
+    return boxes;
 }
 
 std::vector<Schema::CageLocation> placesOf(Schema::StorageEnclosure const& enclosure, std::uint8_t boxIndex) {
@@ -105,14 +102,6 @@ std::vector<Schema::CageLocation> placesOf(Schema::StorageEnclosure const& enclo
     for (Schema::CageLocation const& place : enclosure.otherPlaces())
         places.push_back(place);
     return places;
-}
-
-bool hasEnclosureAt(Core::Device const& controller, Schema::CageLocation const& place) {
-    for (auto child = controller.beginChild(); child != controller.endChild(); ++child) {
-        auto const* const enclosure = dynamic_cast<Schema::StorageEnclosure const*>(child->get());
-        if (enclosure != nullptr && enclosure->isAt(place)) return true;
-    }
-    return false;
 }
 
 bool isEnclosure(Box const& box, Common::string const& family) {
@@ -132,25 +121,78 @@ bool isEnclosure(Box const& box, Common::string const& family) {
     return record.bBayCount != 0;
 }
 
-std::vector<ListedSep> sepsOf(Parameters const& parameters) {
-    std::vector<ListedSep> seps;
-    unsigned const count =
+Schema::BoxContents contentsOf(Parameters const& parameters) {
+    Schema::BoxContents contents;
+    unsigned const seps =
         countWithin(parameters.bSEPCount, std::size(parameters.bSEPDeviceTypes), "processors");
-    for (unsigned i = 0; i < count; ++i) {
+    for (unsigned i = 0; i < seps; ++i) {
         unsigned short const number = fromWire<std::uint16_t>(parameters.wSEPDeviceNumbers[i]);
-        seps.push_back({number, parameters.bSEPDeviceTypes[i]});
+        contents.seps.push_back({number, parameters.bSEPDeviceTypes[i]});
     }
-    return seps;
+    unsigned const expanders =
+        countWithin(parameters.bExpanderCount, sizeof parameters.wExpanderDeviceNumbers / 2, "expanders");
+    for (unsigned i = 0; i < expanders; ++i) {
+        contents.expanders.push_back(fromWire<std::uint16_t>(parameters.wExpanderDeviceNumbers[i]));
+    }
+    return contents;
 }
 
-std::vector<unsigned short> expandersOf(Parameters const& parameters) {
-    std::vector<unsigned short> expanders;
-    unsigned const count =
-        countWithin(parameters.bExpanderCount, sizeof parameters.wExpanderDeviceNumbers / 2, "expanders");
-    for (unsigned i = 0; i < count; ++i) {
-        expanders.push_back(fromWire<std::uint16_t>(parameters.wExpanderDeviceNumbers[i]));
+namespace {
+
+template <class Take>
+void forEachEnclosure(Core::Device const& controller, Take take) {
+    for (auto child = controller.beginChild(); child != controller.endChild(); ++child) {
+        auto const* const enclosure = dynamic_cast<Schema::StorageEnclosure const*>(child->get());
+        // One that this discovery didn't find again is about to go.
+        if (enclosure != nullptr && enclosure->isValid() && !take(*enclosure)) return;
     }
-    return expanders;
+}
+
+}  // namespace
+
+Schema::BoxContents contentsOfEnclosures(Core::Device const& controller) {
+    Schema::BoxContents contents;
+    forEachEnclosure(controller, [&](Schema::StorageEnclosure const& enclosure) {
+        contents.add(enclosure.contents());
+        return true;
+    });
+    return contents;
+}
+
+Schema::BoxContents contentsNow(Schema::StorageEnclosure& enclosure, Core::Device const& controller,
+                                std::uint8_t boxIndex) {
+    Schema::BoxContents listed;
+    for (Schema::CageLocation const& place : placesOf(enclosure, boxIndex)) {
+        SenseBox sense(place);
+        if (sense.answers(enclosure)) listed.add(contentsOf(sense.record()));
+    }
+    listed.add(enclosure.contents());
+    Schema::BoxContents ahead;
+    forEachEnclosure(controller, [&](Schema::StorageEnclosure const& other) {
+        if (&other == &enclosure) return false;
+        ahead.add(other.contents());
+        return true;
+    });
+    auto const refuse = [boxIndex](char const* what, unsigned short number) {
+        Common::DebugLogger::LogCommand("%s %u of box index %u passed over: another box has it", what,
+                                        static_cast<unsigned>(number), static_cast<unsigned>(boxIndex));
+    };
+    Schema::BoxContents own;
+    for (Schema::ListedSep const& sep : listed.seps) {
+        if (ahead.hasSep(sep.number)) {
+            refuse("Processor", sep.number);
+        } else {
+            own.seps.push_back(sep);
+        }
+    }
+    for (unsigned short const number : listed.expanders) {
+        if (ahead.hasExpander(number)) {
+            refuse("Expander", number);
+        } else {
+            own.expanders.push_back(number);
+        }
+    }
+    return own;
 }
 
 }  // namespace Operations

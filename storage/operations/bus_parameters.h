@@ -40,35 +40,29 @@ Schema::PhysicalDriveMap installedDrives(SenseBox const& sense);
 std::uint8_t boxIndexOf(std::uint8_t bus, std::uint8_t target);
 Schema::CageLocation placeOfBoxIndex(std::uint8_t boxIndex);
 
-struct BoxWalk {
-    std::vector<Box> boxes;  ///< by bus and target
-    bool isComplete = true;  ///< every place that is marked answered
-};
-
 /// Every place that answers: those that the identify reply's port status marks, a byte for each bus and a bit
 /// for each target up to 7, and those behind them that a box's own map adds to its bus. A place that doesn't
 /// answer is passed over. Without an identify record nothing is known: false, with the failure in `result`.
-bool walkBoxes(BMICDevice& controller, BoxWalk& walk, Core::OperationReturn& result);
+bool walkBoxes(BMICDevice& controller, std::vector<Box>& boxes, Core::OperationReturn& result);
 /// The same for those who have the identify record.
-BoxWalk walkBoxes(BMICDevice& controller, Records::IDENTIFY_CONTROLLER const& identify);
+std::vector<Box> walkBoxes(BMICDevice& controller, Records::IDENTIFY_CONTROLLER const& identify);
 
 /// All places under which a controller lists an enclosure, that of its box index first.
 std::vector<Schema::CageLocation> placesOf(Schema::StorageEnclosure const& enclosure, std::uint8_t boxIndex);
-/// Whether one of a controller's enclosures is listed at a place: what is in another box belongs to no
-/// enclosure.
-bool hasEnclosureAt(Core::Device const& controller, Schema::CageLocation const& place);
-
 /// Whether an enclosure is at a place. `family` is the controller's ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY.
 /// Whatever has bays is one: every bus that the walk reaches is a bus of boxes.
 bool isEnclosure(Box const& box, Common::string const& family);
 
-// The lists of a record, cut where the record ends: counts beyond that are refused with a line in the log.
-struct ListedSep {
-    unsigned short number;
-    unsigned char type;
-};
-std::vector<ListedSep> sepsOf(Records::SENSE_BUS_PARAMETERS const& parameters);
-std::vector<unsigned short> expandersOf(Records::SENSE_BUS_PARAMETERS const& parameters);
+/// What the records of a box list, each list cut where the record ends: counts beyond that are refused with a
+/// line in the log.
+Schema::BoxContents contentsOf(Records::SENSE_BUS_PARAMETERS const& parameters);
+/// The same of all places of an enclosure as they answer now, and of when it was found: a look that fails
+/// takes nothing away. What an enclosure ahead of it below the same controller lists is left out: a box
+/// without a serial number stands in the tree once for each of its paths, and its devices must not.
+Schema::BoxContents contentsNow(Schema::StorageEnclosure& enclosure, Core::Device const& controller,
+                                std::uint8_t boxIndex);
+/// Of all enclosures that this discovery found below a controller.
+Schema::BoxContents contentsOfEnclosures(Core::Device const& controller);
 
 /// A text member as it came, blanks included, up to the first zero.
 template <typename Byte, std::size_t Size>

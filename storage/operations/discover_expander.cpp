@@ -36,19 +36,6 @@ void discover(Core::Device& parent, DevicePointer const& controller, BMICDevice&
     parent.receive(expander);
 }
 
-/// Those of all places of a box, each once.
-std::vector<unsigned short> listedExpanders(Schema::StorageEnclosure& enclosure, std::uint8_t boxIndex) {
-    std::vector<unsigned short> numbers;
-    for (Schema::CageLocation const& place : placesOf(enclosure, boxIndex)) {
-        SenseBox sense(place);
-        if (!sense.answers(enclosure)) continue;
-        for (unsigned short const number : expandersOf(sense.record())) {
-            if (std::find(numbers.begin(), numbers.end(), number) == numbers.end()) numbers.push_back(number);
-        }
-    }
-    return numbers;
-}
-
 }  // namespace
 
 Core::OperationReturn DiscoverExpander::visit(Schema::StorageEnclosure& enclosure) {
@@ -61,12 +48,14 @@ Core::OperationReturn DiscoverExpander::visit(Schema::StorageEnclosure& enclosur
     auto const* const controller = dynamic_cast<Schema::ArrayController const*>(system.get());
     if (controller == nullptr) return Core::OperationReturn();
     std::vector<unsigned short> const numbers =
-        listedExpanders(enclosure, static_cast<std::uint8_t>(Conversion::toNumber<unsigned short>(boxIndex)));
+        contentsNow(enclosure, *system,
+                    static_cast<std::uint8_t>(Conversion::toNumber<unsigned short>(boxIndex)))
+            .expanders;
     if (numbers.empty()) return Core::OperationReturn();
     PhysicalDeviceIterator const devices(*controller);
     for (unsigned short const number : numbers) {
-        auto const handle = devices.find(number);
-        if (handle != devices.end() && PhysicalDeviceIterator::getDeviceType(*handle) == TYPE) {
+        auto const handle = devices.find(number, TYPE);
+        if (handle != devices.end(TYPE)) {
             discover(enclosure, system, enclosure, *handle, number);
         } else {
             Common::DebugLogger::LogCommand(
@@ -81,34 +70,14 @@ Core::OperationReturn DiscoverExpander::visit(Schema::StorageEnclosure& enclosur
 Core::OperationReturn DiscoverExpander::visit(Schema::ArrayController& controller) {
     PhysicalDeviceIterator const devices(controller);
     if (devices.size(TYPE) == 0) return Core::OperationReturn();
-    Common::string const family =
-        controller.getValueFor(Interface::StorageMod::ArrayController::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY);
-    Core::OperationReturn result;
-    BoxWalk walk;
-    if (!walkBoxes(controller, walk, result)) return result;
-    std::vector<unsigned short> inEnclosures;
-    std::vector<unsigned short> outside;
-    for (Box const& box : walk.boxes) {
-        auto& place =
-            isEnclosure(box, family) && hasEnclosureAt(controller, box.place) ? inEnclosures : outside;
-        for (unsigned short const number : expandersOf(*box.parameters))
-            place.push_back(number);
-    }
-    auto const has = [](std::vector<unsigned short> const& numbers, unsigned short number) {
-        return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
-    };
+    Schema::BoxContents const inEnclosures = contentsOfEnclosures(controller);
     for (auto handle = devices.begin(TYPE); handle != devices.end(TYPE); ++handle) {
         unsigned short const number = Core::SysMod::getDeviceIndex(*handle);
-        if (has(inEnclosures, number)) continue;
-        if (walk.isComplete || has(outside, number)) {
+        if (!inEnclosures.hasExpander(number)) {
             discover(controller, controller.getDevicePtr(), controller, *handle, number);
-        } else {
-            Common::DebugLogger::LogCommand(
-                "Expander %u refused: no box lists it, and one that may do so didn't answer",
-                static_cast<unsigned>(number));
         }
     }
-    return result;
+    return Core::OperationReturn();
 }
 
 }  // namespace Operations

@@ -63,8 +63,17 @@ Core::OperationReturn DiscoverPhy::discover(Core::Device& device, BMICDevice& co
     Core::OperationReturn result;
     if (bmicIndex == Schema::NO_BMIC_INDEX) return result;
     Common::copy_ptr<Identify> page;
-    Schema::PhysicalDrive::identifyPhysicalDrive(device.pParent(), controller, bmicIndex, page, result);
+    unsigned received = 0;
+    Schema::PhysicalDrive::identifyPhysicalDrive(device.pParent(), controller, bmicIndex, page, result,
+                                                 &received);
     if (!result || page.get() == nullptr) return result;
+    constexpr unsigned NEEDED =
+        offsetof(Identify, wPHYToAttachedDeviceIndex) + sizeof(Identify::wPHYToAttachedDeviceIndex);
+    if (received < NEEDED) {
+        Common::DebugLogger::LogCommand("Phys of device %u refused: %u bytes came, at least %u expected",
+                                        static_cast<unsigned>(bmicIndex), received, NEEDED);
+        return result;
+    }
     Identify const& record = *page;
     unsigned count = fromWire<std::uint16_t>(record.wPHYCount);
     if (count > PHYS) {

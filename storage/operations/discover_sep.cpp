@@ -61,31 +61,15 @@ void discover(Core::Device& parent, DevicePointer const& controller, BMICDevice&
     parent.receive(sep);
 }
 
-/// Those of all its places, each once: a second path may lead to processors that the first doesn't.
-std::vector<ListedSep> listedSeps(Schema::StorageEnclosure& enclosure, unsigned char boxIndex) {
-    std::vector<ListedSep> seps;
-    for (Schema::CageLocation const& place : placesOf(enclosure, boxIndex)) {
-        SenseBox sense(place);
-        if (!sense.answers(enclosure)) continue;
-        for (ListedSep const& sep : sepsOf(sense.record())) {
-            bool const isKnown = std::any_of(
-                seps.begin(), seps.end(), [&](ListedSep const& known) { return known.number == sep.number; });
-            if (!isKnown) seps.push_back(sep);
-        }
-    }
-    return seps;
-}
-
 void discoverBehindController(Schema::StorageEnclosure& enclosure, DevicePointer const& controller,
                               ConcreteSCSIDevice const& adapter, unsigned char boxIndex) {
-    std::vector<ListedSep> const seps = listedSeps(enclosure, boxIndex);
+    std::vector<Schema::ListedSep> const seps = contentsNow(enclosure, *controller, boxIndex).seps;
     if (seps.empty()) return;
     PhysicalDeviceIterator const devices(adapter);
-    for (ListedSep const& sep : seps) {
-        auto const handle = devices.find(sep.number);
+    for (Schema::ListedSep const& sep : seps) {
+        auto const handle = devices.find(sep.number, PhysicalDeviceIterator::SEP_TYPE);
         // A processor must never get the adapter's own handle: its firmware would go there.
-        if (handle == devices.end() ||
-            PhysicalDeviceIterator::getDeviceType(*handle) != PhysicalDeviceIterator::SEP_TYPE) {
+        if (handle == devices.end(PhysicalDeviceIterator::SEP_TYPE)) {
             Common::DebugLogger::LogCommand(
                 "Processor %u of box index %u refused: the list of physical devices has no processor of "
                 "that number",
@@ -151,38 +135,22 @@ Core::OperationReturn DiscoverSEP::visit(Schema::ArrayController& controller) {
     constexpr unsigned char TYPE = PhysicalDeviceIterator::SEP_TYPE;
     PhysicalDeviceIterator const devices(controller);
     if (devices.size(TYPE) == 0) return Core::OperationReturn();
-    Common::string const family =
-        controller.getValueFor(Interface::StorageMod::ArrayController::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY);
+    Schema::BoxContents const inEnclosures = contentsOfEnclosures(controller);
+    // Boxes that are no enclosures tell the types of theirs.
     Core::OperationReturn result;
-    BoxWalk walk;
-    // Which of them are in enclosures is told by the boxes alone: without them, each would come a second
-    // time.
-    if (!walkBoxes(controller, walk, result)) return result;
-    std::vector<unsigned short> inEnclosures;
-    std::vector<ListedSep> outside;
-    for (Box const& box : walk.boxes) {
-        bool const isBox = isEnclosure(box, family) && hasEnclosureAt(controller, box.place);
-        for (ListedSep const& sep : sepsOf(*box.parameters)) {
-            if (isBox) {
-                inEnclosures.push_back(sep.number);
-            } else {
-                outside.push_back(sep);
-            }
-        }
-    }
+    std::vector<Box> boxes;
+    walkBoxes(controller, boxes, result);
+    Schema::BoxContents listed;
+    for (Box const& box : boxes)
+        listed.add(contentsOf(*box.parameters));
     for (auto handle = devices.begin(TYPE); handle != devices.end(TYPE); ++handle) {
         unsigned short const number = Core::SysMod::getDeviceIndex(*handle);
-        if (std::find(inEnclosures.begin(), inEnclosures.end(), number) != inEnclosures.end()) continue;
-        auto const listed = std::find_if(outside.begin(), outside.end(),
-                                         [number](ListedSep const& sep) { return sep.number == number; });
-        if (listed == outside.end() && !walk.isComplete) {
-            Common::DebugLogger::LogCommand(
-                "Processor %u refused: no box lists it, and one that may do so didn't answer",
-                static_cast<unsigned>(number));
-            continue;
-        }
+        if (inEnclosures.hasSep(number)) continue;
+        auto const sep =
+            std::find_if(listed.seps.begin(), listed.seps.end(),
+                         [number](Schema::ListedSep const& each) { return each.number == number; });
         discover(controller, controller.getDevicePtr(), controller, *handle, number,
-                 listed == outside.end() ? NO_TYPE : listed->type);
+                 sep == listed.seps.end() ? NO_TYPE : sep->type);
     }
     return result;
 }

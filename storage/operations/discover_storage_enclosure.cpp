@@ -42,6 +42,12 @@ void publishInquiry(Core::Device& enclosure, Records::SENSE_BUS_PARAMETERS const
     publish(enclosure, Names::ATTR_NAME_FIRMWARE_REVISION, memberText(inquiry.sProductRevision));
 }
 
+Schema::BoxContents wholeContents(Box const& box) {
+    Schema::BoxContents contents = contentsOf(*box.parameters);
+    contents.drives = box.installedDrives;
+    return contents;
+}
+
 bool isDuplex(Records::SENSE_BUS_PARAMETERS const& parameters) {
     Common::string const product = wholeText(parameters.boxInquiryData.sProductID);
     return parameters.bInquiryValid != 0 && product.size() > DUPLEX_MARK && product[DUPLEX_MARK] == 'D';
@@ -59,10 +65,10 @@ Core::OperationReturn DiscoverStorageEnclosure::visit(Core::Device& device, Conc
     // What is found is offered when all of it is known: a second path belongs to what is offered, and a
     // device of an earlier discovery would lose it again.
     EnclosureList found;
-    BoxWalk walk;
+    std::vector<Box> boxes;
     Core::OperationReturn result;
-    if (!walkBoxes(controller, walk, result)) return result;
-    for (Box const& box : walk.boxes) {
+    if (!walkBoxes(controller, boxes, result)) return result;
+    for (Box const& box : boxes) {
         if (isEnclosure(box, family)) discover(box, found);
     }
     for (Found const& enclosure : found)
@@ -77,6 +83,7 @@ void DiscoverStorageEnclosure::discover(Box const& box, EnclosureList& found) {
         if (!serial.empty() && known.enclosure->hasAttributeAndIs(Names::ATTR_NAME_SERIAL_NUMBER, serial)) {
             addPath(*known.enclosure, parameters);
             known.enclosure->AddPlace(box.place);
+            known.enclosure->AddContents(wholeContents(box));
             return;
         }
     }
@@ -92,6 +99,7 @@ void DiscoverStorageEnclosure::discover(Box const& box, EnclosureList& found) {
     auto* const device = new Schema::StorageEnclosure(parameters.bPhysicalBox, serial, location,
                                                       boxIndexOf(box.place.bus, box.place.target));
     Common::shared_ptr<Core::Device> const enclosure(device);
+    device->AddContents(wholeContents(box));
     publishAlarms(*enclosure, parameters.alarmData);
     publish(*enclosure, Names::ATTR_NAME_BUS_MODE,
             isDuplex(parameters) ? Names::ATTR_VALUE_BUS_MODE_DUPLEX : Names::ATTR_VALUE_BUS_MODE_SIMPLEX);

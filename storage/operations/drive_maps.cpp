@@ -23,8 +23,15 @@ PhysicalDriveMap drivesInCages(Core::Device const& controller, BMICDevice& comma
                                Records::IDENTIFY_CONTROLLER const& identify) {
     namespace Names = Interface::StorageMod::ArrayController;
     Common::string const family = controller.getValueFor(Names::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY);
+    bool hasEnclosures = false;
+    for (auto child = controller.beginChild(); child != controller.endChild(); ++child)
+        hasEnclosures =
+            hasEnclosures || dynamic_cast<Schema::StorageEnclosure const*>(child->get()) != nullptr;
+    // Where enclosures are discovered, their own lists count: a box that answers only one of two looks would
+    // have its drives twice, or not at all.
+    if (hasEnclosures) return contentsOfEnclosures(controller).drives;
     PhysicalDriveMap inCages;
-    for (Box const& box : walkBoxes(commands, identify).boxes) {
+    for (Box const& box : walkBoxes(commands, identify)) {
         if (isEnclosure(box, family)) inCages |= box.installedDrives;
     }
     return inCages;

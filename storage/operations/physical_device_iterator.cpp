@@ -67,6 +67,12 @@ void PhysicalDeviceIterator::BuildCombinedDeviceList(Common::string const& adapt
     m_handles = byIndex(entries);
 }
 
+PhysicalDeviceIterator::const_iterator PhysicalDeviceIterator::find(unsigned short bmicIndex,
+                                                                    unsigned char type) const {
+    return std::find_if(begin(type), end(type),
+                        [bmicIndex](Common::string const& handle) { return indexOf(handle) == bmicIndex; });
+}
+
 PhysicalDeviceIterator::const_iterator PhysicalDeviceIterator::begin(unsigned char type) const {
     return m_byType[type].begin();
 }

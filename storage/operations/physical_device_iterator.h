@@ -51,6 +51,8 @@ class PhysicalDeviceIterator : public HandleRange {
     std::size_t size(unsigned char type) const;
     /// By BMIC index; end() without it.
     const_iterator find(unsigned short bmicIndex) const { return findIndex(bmicIndex); }
+    /// The same among those of a type; end(type) without it.
+    const_iterator find(unsigned short bmicIndex, unsigned char type) const;
 
     /// What a handle of the list tells: see the functions of the same names in sysmod/device_handle.h. The
     /// SAS address is sixteen hexadecimal digits, empty where the adapter doesn't tell it.

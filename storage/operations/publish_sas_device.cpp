@@ -72,8 +72,10 @@ void publishIdentity(Core::Device& device, Common::shared_ptr<Core::Device> cons
                      BMICDevice& commands, unsigned short bmicIndex) {
     Common::copy_ptr<Identify> page;
     Core::OperationReturn outcome;
-    Schema::PhysicalDrive::identifyPhysicalDrive(controller, commands, bmicIndex, page, outcome);
-    if (!outcome || page.get() == nullptr) {
+    unsigned received = 0;
+    Schema::PhysicalDrive::identifyPhysicalDrive(controller, commands, bmicIndex, page, outcome, &received);
+    // Half a WWID would be another's, or the same for several.
+    if (!outcome || page.get() == nullptr || received < offsetof(Identify, bWWID) + WWID_SIZE) {
         publish(device, Names::ATTR_NAME_PORT, Names::ATTR_VALUE_PORT_UNKNOWN);
         return;
     }
@@ -84,7 +86,8 @@ void publishIdentity(Core::Device& device, Common::shared_ptr<Core::Device> cons
     }
     publish(device, Names::ATTR_NAME_PORT, portText(memberText(record.sPhysicalPort), record.bPhysicalBox));
     publish(device, Names::ATTR_NAME_BOX, decimalText(record.bPhysicalBox));
-    if (isMultiPathSupported(controller)) publishActivePath(device, record);
+    if (received > offsetof(Identify, bMultiPathBox8) && isMultiPathSupported(controller))
+        publishActivePath(device, record);
 }
 
 }  // namespace Operations

@@ -1,5 +1,7 @@
 #include "storage/schema/enclosure.h"
 
+#include <algorithm>
+
 #include "storage/vocabulary/drive_cage.h"
 #include "storage/vocabulary/storage_enclosure.h"
 
@@ -7,6 +9,25 @@ namespace Schema {
 
 namespace Box = Interface::StorageMod::StorageEnclosure;
 namespace Cage = Interface::StorageMod::DriveCage;
+
+bool BoxContents::hasSep(unsigned short number) const {
+    return std::any_of(seps.begin(), seps.end(),
+                       [number](ListedSep const& sep) { return sep.number == number; });
+}
+
+bool BoxContents::hasExpander(unsigned short number) const {
+    return std::find(expanders.begin(), expanders.end(), number) != expanders.end();
+}
+
+void BoxContents::add(BoxContents const& more) {
+    for (ListedSep const& sep : more.seps) {
+        if (!hasSep(sep.number)) seps.push_back(sep);
+    }
+    for (unsigned short const number : more.expanders) {
+        if (!hasExpander(number)) expanders.push_back(number);
+    }
+    drives |= more.drives;
+}
 
 StorageEnclosure::StorageEnclosure(std::uint8_t boxNumber, Common::string const& serialNumber,
                                    Common::string const& location, std::uint8_t boxIndex)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "common/list.h"
 #include "storage/schema/drive_map.h"
@@ -15,6 +16,24 @@ struct CageLocation {
     std::uint8_t target = 0;
 
     bool operator==(CageLocation const&) const = default;
+};
+
+/// A processor that a controller's record of a box lists, with the box's code of its type.
+struct ListedSep {
+    unsigned short number;
+    unsigned char type;
+};
+
+/// What the records of a box's places list, by number on the controller.
+struct BoxContents {
+    std::vector<ListedSep> seps;
+    std::vector<unsigned short> expanders;
+    PhysicalDriveMap drives;
+
+    bool hasSep(unsigned short number) const;
+    bool hasExpander(unsigned short number) const;
+    /// Adds what isn't there yet.
+    void add(BoxContents const& more);
 };
 
 /// A box of drives. `location` is ATTR_VALUE_LOCATION_INTERNAL or _EXTERNAL.
@@ -38,9 +57,17 @@ class StorageEnclosure : public Node<StorageEnclosure, Core::DeviceComposite, 9,
     void AddPlace(CageLocation const& place) { m_otherPlaces.push_back(place); }
     bool isAt(CageLocation const& place) const;
 
+    /// What was listed in it when it was found: later looks at it may fail, and must not put its devices
+    /// elsewhere.
+    BoxContents const& contents() const { return m_contents; }
+    void AddContents(BoxContents const& contents) { m_contents.add(contents); }
+
   protected:
     Common::string toStringImpl() const override { return uniqueIdentifier(); }
-    void takeOver(StorageEnclosure const& twin) override { m_otherPlaces = twin.m_otherPlaces; }
+    void takeOver(StorageEnclosure const& twin) override {
+        m_otherPlaces = twin.m_otherPlaces;
+        m_contents = twin.m_contents;
+    }
 
   private:
     std::uint8_t m_boxNumber;
@@ -48,6 +75,7 @@ class StorageEnclosure : public Node<StorageEnclosure, Core::DeviceComposite, 9,
     Common::string m_serialNumber;
     Common::list<CageLocation> m_cages;
     Common::list<CageLocation> m_otherPlaces;
+    BoxContents m_contents;
 };
 
 /// The drive bays of an enclosure, or of one half of a duplex enclosure. `port` is the controller's port in
