@@ -78,7 +78,7 @@ Bytes CsmiAdapter::configuration() const {
     return body;
 }
 
-Bytes CsmiAdapter::phyInformation() const {
+Bytes CsmiAdapter::phyInformation(std::uint64_t now) const {
     Bytes body(2072 - HEADER);
     body[0] = m_setup.phyCount;
     for (std::size_t i = 0; i < std::min(m_setup.phys.size(), PHYS); ++i) {
@@ -86,7 +86,7 @@ Bytes CsmiAdapter::phyInformation() const {
         entry[0] = 0x10;
         std::copy(m_setup.address.begin(), m_setup.address.end(), entry + 12);
         entry[20] = static_cast<std::uint8_t>(i);
-        if (!m_setup.phys[i]) continue;
+        if (!m_setup.phys[i] || !m_setup.phys[i]->present(now)) continue;
         SasDevice const& attached = *m_setup.phys[i];
         entry[36] = static_cast<std::uint8_t>(attached.type << 4);
         entry[39] = attached.targetProtocols;
@@ -119,7 +119,7 @@ Reply CsmiAdapter::execute(Command const& command) {
             return answer(std::move(body));
         }
         case CSMI_PHYS:
-            return answer(phyInformation());
+            return answer(phyInformation(command.now));
         case CSMI_PAUSE:
         case CSMI_RESUME:
             return pause(command);
@@ -128,7 +128,7 @@ Reply CsmiAdapter::execute(Command const& command) {
     }
     SasDevice* const device = findSasDevice(m_setup.phys, command.address);
     if (command.csmi == CSMI_SMP)
-        return device != nullptr && device->type > 1 ? answer(answerSmp(*device, command.block))
+        return device != nullptr && device->type > 1 ? answer(answerSmp(*device, command.block, command.now))
                                                      : nobodyAt(command);
     return device != nullptr && device->target ? device->target->execute(command) : nobodyAt(command);
 }

@@ -40,7 +40,7 @@ class CsmiAdapter : public Device {
   private:
     Bytes driverInformation() const;
     Bytes configuration() const;
-    Bytes phyInformation() const;
+    Bytes phyInformation(std::uint64_t now) const;
     Reply pause(Command const& command);
 
     Setup m_setup;

@@ -92,7 +92,7 @@ SasDevice* findSasDevice(SasPhys const& phys, SasAddress const& address) {
     return nullptr;
 }
 
-Bytes answerSmp(SasDevice const& expander, Bytes const& request) {
+Bytes answerSmp(SasDevice const& expander, Bytes const& request, std::uint64_t now) {
     std::uint8_t const function = request.size() > 1 ? request[1] : 0xFF;
     Bytes response = {RESPONSE, function, 0, 0};
     if (function == REPORT_GENERAL) {
@@ -108,7 +108,8 @@ Bytes answerSmp(SasDevice const& expander, Bytes const& request) {
             return response;
         }
         std::copy(expander.address.begin(), expander.address.end(), response.begin() + 16);
-        if (request[9] < expander.phys.size() && expander.phys[request[9]]) {
+        if (request[9] < expander.phys.size() && expander.phys[request[9]] &&
+            expander.phys[request[9]]->present(now)) {
             SasDevice const& attached = *expander.phys[request[9]];
             response[12] = static_cast<std::uint8_t>(attached.type << 4);
             response[13] = LINK_RATE_6_GBPS;

@@ -14,6 +14,9 @@ using SasAddress = std::array<std::uint8_t, 8>;
 
 /// The other end of a phy.
 struct SasDevice {
+    /// Not while what is there restarts: its phy has no link then.
+    bool present(std::uint64_t now) const { return !target || target->present(now); }
+
     /// As the IDENTIFY address frame has it: 1 end device, 2 edge expander, 3 fanout expander.
     std::uint8_t type = 1;
     std::uint8_t targetProtocols = 8;  ///< 1 SATA, 2 SMP, 4 STP, 8 SSP
@@ -37,7 +40,7 @@ std::vector<ScsiTarget*> sasTargets(SasPhys const& phys);
 SasDevice* findSasDevice(SasPhys const& phys, SasAddress const& address);
 
 /// An expander's answer to an SMP request frame (SAS): REPORT GENERAL and DISCOVER.
-Bytes answerSmp(SasDevice const& expander, Bytes const& request);
+Bytes answerSmp(SasDevice const& expander, Bytes const& request, std::uint64_t now);
 /// "SMP DISCOVER".
 std::string smpName(Bytes const& request);
 

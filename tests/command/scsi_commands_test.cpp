@@ -329,6 +329,8 @@ TEST(FlashCommands, SRecordsGoInBatchesOfWholeLines) {
         {"one", line, {"3b0e0000000000004600 out 70"}, 70, true},
         {"without an end", "S10241424142", {"3b0e0000000000000800 out 8"}, 8, false},
         {"line ends in front", "\r\n" + line, {"3b0e0000000000004600 out 70"}, 70, true},
+        {"line ends alone", "\r\n", {}, 0, false},
+        {"padding alone", std::string(512, '\xFF'), {}, 0, false},
         {"three in front", "\r\n\n" + line, {}, 0, false},
         // 161 lines of 70 are 11,270: the batch ends behind the line that reaches 11,264.
         {"two batches",

@@ -168,8 +168,8 @@ TEST_F(SepTest, ResetsAfterAFailureOnlyWhereThatHelps) {
         EXPECT_EQ(row.isReset ? 1 : 0, std::count(events.begin(), events.end(), "sep1 reset"));
         EXPECT_EQ("bmic 99 1", events.back());
         auto const list = returns(result);
-        auto const& first = list.empty() ? result : *list.begin();
-        EXPECT_EQ("305419896", attribute(first, "ATTR_NAME_ADDITIONAL_STATUS"));
+        ASSERT_FALSE(list.empty()) << "also of one alone: callers look for the word there";
+        EXPECT_EQ("305419896", attribute(*list.begin(), "ATTR_NAME_ADDITIONAL_STATUS"));
     }
     // Alone, the model isn't asked; and the controller stays paused.
     seps[0]->answer = [](std::size_t, Written const& sent) {
@@ -202,6 +202,26 @@ TEST_F(SepTest, RepeatsAChunkForAttentionsAndFullQueuesWithinLimits) {
         };
         EXPECT_EQ(row.isGood, bool(run(*seps[0], {})));
         EXPECT_EQ(row.commands, seps[0]->written.size());
+    }
+}
+
+/// A box without a serial number is in the tree once for each path, and so was each of its processors: two
+/// threads then wrote to one device.
+TEST_F(SepTest, FlashesADeviceOnceThatIsFoundTwice) {
+    addSeps(1, "ENCL 18 SEP     ");
+    auto* const twin = new FakeSep(seps[0]->handle(), 2);
+    Schema::publish(*twin, "ATTR_NAME_PRODUCT_ID", "ENCL 18 SEP     ");
+    Schema::publish(*twin, "ATTR_NAME_FIRMWARE_REVISION", "9.99");
+    EXPECT_TRUE(controller->receive(DevicePointer(twin)));
+    std::string const id = attribute(*seps[0], "ATTR_NAME_UNIQUE_ID");
+    Arguments const forms[] = {{{"ATTR_NAME_PRODUCT_ID", "ENCL 18 SEP     "}},
+                               {{"ATTR_NAME_UNIQUE_ID", id}, {"ATTR_NAME_UNIQUE_ID", id}}};
+    for (Arguments arguments : forms) {
+        seps[0]->written.clear();
+        arguments.emplace_back("ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE", "0");
+        EXPECT_EQ(SUCCESS, status(run(*controller, arguments)));
+        EXPECT_EQ(4U, seps[0]->written.size());
+        EXPECT_TRUE(twin->written.empty());
     }
 }
 

@@ -3,6 +3,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <map>
+#include <set>
 
 #include "simulator/s_record.h"
 #include "tests/flash/flash_fixture.h"
@@ -78,6 +81,7 @@ class SepMachineTest : public FlashTest {
             Core::Device::RegisterOperation(type, "OPERATION_WRITE_FLASH_SEP_FIRMWARE");
     }
 
+    using FlashTest::start;
     /// Boxes with processors "sep1", "sep2", ... whose firmware is 2.00, and an image of 2.10 for them.
     void start(std::string const& product, unsigned count, json const& more = json::object()) {
         json boxes = json::array();
@@ -214,6 +218,171 @@ TEST_P(SepModels, TakeWhatTheyAreSent) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, SepModels, ::testing::ValuesIn(MODELS));
+
+/// Where each processor is after a discovery: "box <index>" or "controller", and its number.
+class SepPlaces : public SepMachineTest {
+  protected:
+    SepPlaces() {
+        Core::Device::RegisterOperation("ATTR_VALUE_TYPE_ARRAY_CONTROLLER", "OPERATION_DISCOVER_SEPS");
+    }
+
+    /// Two boxes with bays, of one processor each, 41 and 42, that share a serial number or have none.
+    static json boxes(char const* serials, json const& more = json::object()) {
+        json all = json::array();
+        for (unsigned i = 0; i < 2; ++i) {
+            json const sep = {{"name", "sep" + std::to_string(i + 1)},
+                              {"index", 41 + i},
+                              {"product", "ENCL 16 SEP"},
+                              {"revision", "2.00"}};
+            all.push_back(
+                {{"bus", 8}, {"target", i}, {"bays", 12}, {"number", i + 1}, {"seps", json::array({sep})}});
+            if (serials[i] != ' ') all.back()["serial"] = std::string(1, serials[i]);
+        }
+        all.back().merge_patch(more);
+        return all;
+    }
+    std::string places() const {
+        std::multiset<std::string> found;
+        std::function<void(Core::Device&, std::string const&)> const walk = [&](Core::Device& device,
+                                                                                std::string const& place) {
+            for (auto child = device.beginChild(); child != device.endChild(); ++child) {
+                std::string const type = attribute(**child, "ATTR_NAME_TYPE");
+                if (type == "ATTR_VALUE_TYPE_SEP")
+                    found.insert(attribute(**child, "ATTR_NAME_DEVICE_NUMBER") + " " + place);
+                if (type == "ATTR_VALUE_TYPE_STORAGE_ENCLOSURE")
+                    walk(**child, "box " + attribute(**child, "ATTR_NAME_BOX_INDEX"));
+            }
+        };
+        walk(only(), "controller");
+        std::string text;
+        for (std::string const& each : found)
+            text += (text.empty() ? "" : ", ") + each;
+        return text;
+    }
+    static bool hasBothOnce(std::string const& text) {
+        return text.size() > 2 && text.substr(0, 2) == "41" && text.find(", 42") != std::string::npos &&
+               std::count(text.begin(), text.end(), ',') == 1;
+    }
+};
+
+TEST_F(SepPlaces, AreInTheFirstOfTheBoxesThatListThem) {
+    struct Row {
+        char const* what;
+        json boxes;
+        char const* places;
+    };
+    json twoPaths = json::array({boxes("  ")[0]});
+    twoPaths[0]["paths"] = json::array({{{"bus", 9}, {"target", 0}, {"number", 1}}});
+    Row const rows[] = {
+        {"two boxes", boxes("AB"), "41 box 144, 42 box 145"},
+        {"a second path with a processor of its own", boxes("AA"), "41 box 144, 42 box 144"},
+        {"a second path of a box without a serial number", twoPaths, "41 box 144"},
+        {"a record with another target number", boxes("AB", {{"bus_parameters", {{"bSCSITargetID", 0}}}}),
+         "41 box 144, 42 box 145"},
+        {"a box without bays is no enclosure", boxes("AB", {{"bays", 0}}), "41 box 144, 42 controller"},
+    };
+    for (Row const& row : rows) {
+        SCOPED_TRACE(row.what);
+        discover(oneController({{"boxes", row.boxes}}));
+        EXPECT_EQ(row.places, places());
+    }
+}
+
+/// A second look that failed put processors into the tree twice or took them out of it.
+TEST_F(SepPlaces, AreThereOnceWhateverLookAtTheirBoxesFails) {
+    constexpr unsigned LOOKS = 6;  // of a pass: two boxes, each by three operations
+    for (unsigned nth = 1; nth <= 2 * LOOKS; ++nth) {
+        SCOPED_TRACE(nth);
+        discover(oneController({{"boxes", boxes("AB")}}));
+        ASSERT_EQ(LOOKS, sent("00006504"));
+        start(oneController({{"boxes", boxes("AB")}}));
+        addFault((R"({"match": {"command": "SENSE BUS PARAMETERS", "nth": )" + std::to_string(nth) +
+                  R"(}, "action": {"command_status": 4}})")
+                     .c_str());
+        discover();
+        EXPECT_TRUE(hasBothOnce(places())) << places();
+        discover();
+        EXPECT_TRUE(hasBothOnce(places())) << places();
+    }
+    for (unsigned nth = 1; nth <= 12; ++nth) {
+        start(oneController({{"boxes", boxes("AB")}}));
+        addFault((R"({"match": {"command": "0x11", "nth": )" + std::to_string(nth) +
+                  R"(}, "action": {"command_status": 4}})")
+                     .c_str());
+        for (unsigned pass = 0; pass < 2; ++pass) {
+            discover();
+            // A controller that failed to identify itself is asked for nothing more.
+            std::string const found = places();
+            EXPECT_TRUE(found.empty() || hasBothOnce(found)) << nth << ": " << found;
+        }
+    }
+}
+
+/// Half a version passed for an older one, and half a WWID for one that several processors share.
+TEST_F(SepPlaces, TakeNoCutReplyForTheirIdentity) {
+    struct Row {
+        char const* command;
+        unsigned size;
+        char const* attribute;
+        bool isLost;  ///< else the list of devices has it
+    };
+    constexpr Row rows[] = {
+        {"0x92", 49, "ATTR_NAME_FIRMWARE_REVISION", true},
+        {"0x92", 50, "ATTR_NAME_FIRMWARE_REVISION", false},
+        {"0x15", 149, "ATTR_NAME_WWID", false},
+        {"0x15", 150, "ATTR_NAME_WWID", false},
+        {"0x15", 149, "ATTR_NAME_BOX", true},
+        {"0x15", 150, "ATTR_NAME_BOX", false},
+    };
+    discover(oneController({{"boxes", boxes("AB")}}));
+    std::map<std::string, std::string> whole;
+    for (Row const& row : rows)
+        whole[row.attribute] = attribute(sep(), row.attribute);
+    EXPECT_EQ(16U, whole["ATTR_NAME_WWID"].size());
+    for (Row const& row : rows) {
+        SCOPED_TRACE(row.command + (" " + std::to_string(row.size)));
+        start(oneController({{"boxes", boxes("AB")}}));
+        addFault((R"({"match": {"command": ")" + std::string(row.command) + R"("}, "action": {"truncate": )" +
+                  std::to_string(row.size) + R"(}, "times": 100})")
+                     .c_str());
+        discover();
+        EXPECT_EQ(row.isLost ? ABSENT : whole[row.attribute], attribute(sep(), row.attribute));
+    }
+}
+
+/// Behind a plain adapter nothing but the adapter's list tells whether a processor came back.
+TEST_F(SepMachineTest, BehindAPlainAdapterTheListTellsWhoCameBack) {
+    struct Row {
+        json sep;
+        char const* status;
+    };
+    for (Row const& row : {Row{json::object(), SUCCESS}, Row{{{"never_returns", true}}, FLASH_ERROR}}) {
+        json target = {{"kind", "enclosure_processor"},
+                       {"name", "sep1"},
+                       {"product", "ENCL 16 SEP"},
+                       {"revision", "2.00"},
+                       {"sas_address", "51E5D00000000041"}};
+        target.merge_patch(row.sep);
+        json const adapter = {{"name", "hba"},
+                              {"kind", "csmi_adapter"},
+                              {"phys", json::array({target})},
+                              {"pci",
+                               {{"address", "0000:05:00.0"},
+                                {"vendor", "0x1E5C"},
+                                {"device", "0x0072"},
+                                {"class", "0x010700"},
+                                {"driver", "mpt2sas"}}}};
+        Core::Device::RegisterOperation("ATTR_VALUE_TYPE_HBA", "OPERATION_DISCOVER_STORAGE_ENCLOSURES");
+        discover({{"devices", json::array({adapter})}});
+        image = simulator::makeImage("ENCL 16 SEP", "2.10", IMAGE_SIZE, 7);
+        auto const adapters = children("ATTR_VALUE_TYPE_HBA");
+        ASSERT_EQ(1U, adapters.size());
+        Core::Device& enclosure = **adapters.front()->beginChild();
+        auto const result = flash(**enclosure.beginChild(), {});
+        EXPECT_EQ(row.status, status(result));
+        EXPECT_EQ("0e x4 @002000 -000e80, 0f x1 @000000 -000000", written("sep1"));
+    }
+}
 
 /// When an object's part of a flash began and ended, in virtual milliseconds.
 struct Span {

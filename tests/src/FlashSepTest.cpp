@@ -56,6 +56,18 @@ TEST_F(FlashSepTest, ProcessorReachedOverASecondPathIsNotFlashedAgain) {
     EXPECT_EQ(gblFlashed, 1);
 }
 
+/// All of them passed for the first one, and "Updated" was logged for processors that nobody had written to.
+TEST_F(FlashSepTest, ProcessorsWithoutANameAreFlashedAndNotNoted) {
+    for (char const* name : {"", "0000000000000000"}) {
+        Fake const controller =
+            controllerWith({fakeSep("ENCL 1", "1.10", name), fakeSep("ENCL 1", "1.10", name)});
+        FakeOperation const& flash = controller->offer("OPERATION_WRITE_FLASH_SEP_FIRMWARE");
+        EXPECT_EQ(FlashSEP(controller, "ENCL 1"), 0);
+        EXPECT_EQ(flash.performances.size(), 1u);
+        EXPECT_TRUE(gblWwIdList.empty());
+    }
+}
+
 TEST_F(FlashSepTest, OneExpanderCannotBeFlashedBehindZoning) {
     struct {
         char const* zoning;
