@@ -42,6 +42,8 @@ class CLI {
     void setLogFile(std::string const& path) { m_LogFileName = path; }
     /// Path of the discovery document; empty means none.
     void setXMLFile(std::string const& path) { m_xmlFileName = path; }
+    /// Whether -d named a file.
+    bool hasDocument() const { return !m_xmlFileName.empty(); }
 
     /// To standard output, unless silent.
     void printMsg(char const* format, ...) __attribute__((format(printf, 2, 3)));

@@ -1,6 +1,8 @@
 #include "src/discoveryDocument.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 #include "src/CLI.h"
 #include "src/deviceTags.h"
@@ -14,10 +16,24 @@ struct ActionRow {
 
 constexpr ActionRow ACTIONS[] = {{upgrade, "upgrade"}, {reflash, "rewrite"}, {downgrade, "downgrade"}};
 
+/// Values go into the document as the device gives them, so that those who read it as text find them; who
+/// reads it as XML must hear when that can't be done. Beyond ASCII nothing says that the bytes are UTF-8.
+void warnUnlessWellFormed(char const* element, std::string const& value) {
+    auto const breaks = [](unsigned char character) {
+        return character < 0x20 || character >= 0x7F || std::strchr("<&\"", character) != nullptr;
+    };
+    auto const found = std::find_if(value.begin(), value.end(), breaks);
+    if (!cli.hasDocument() || found == value.end()) return;
+    cli.logVerbose(
+        "Discovery document isn't well-formed: 0x%02X in %s, expected a character that needs no escape\n",
+        static_cast<unsigned char>(*found), element);
+}
+
 }  // namespace
 
 void writeDocumentHead() {
     std::string const tags = getTags();
+    warnUnlessWellFormed("alt_name", tags);
     cli.PrintXML("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
     cli.PrintXML("<vq_rom_discovery version=\"2.0.0.0\">\n");
     if (XMLTypeValue[0] != '\0') {
@@ -43,6 +59,9 @@ void writeDocumentTail() {
 }
 
 void writeDocumentDevice(DocumentDevice const& device) {
+    warnUnlessWellFormed("device_id", device.deviceId);
+    warnUnlessWellFormed("product_id", device.productId);
+    warnUnlessWellFormed("active_version", device.activeVersion);
     cli.PrintXML("<device>\n");
     cli.PrintXML("<device_id value=\"%s\"/>\n", device.deviceId.c_str());
     cli.PrintXML("<product_id value=\"%s\"/>\n", device.productId.c_str());

@@ -491,6 +491,10 @@ TEST_F(Enclosures, DocumentHoldsVersionsAsTheyAre) {
     EXPECT_EQ(devicesIn(readText(package.directory() / "out.xml")),
               "ENCL 16 SEP 3.00 1\"<& upgrade; ENCL 16 SEP 3.00 2.\u0001x upgrade; "
               "ENCL 16 SEP 3.00 3.00 rewrite; ");
+    std::string const warning = "Discovery document isn't well-formed: ";
+    std::string const log = package.verboseLog();
+    EXPECT_NE(log.find(warning + "0x22 in active_version"), std::string::npos);
+    EXPECT_NE(log.find(warning + "0x01 in active_version"), std::string::npos);
 }
 
 TEST_F(Enclosures, ABoxOf255Processors) {
