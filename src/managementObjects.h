@@ -12,7 +12,8 @@
 /// serial number is no controller's.
 HMGMTOBJECT getHandle(std::string const& serial);
 
-/// The controller's serial number without the blanks around it; empty when it can't be told.
+/// The controller's serial number without the white space around it; empty when it can't be told, also when
+/// a part of it didn't arrive.
 std::string SenseSubsystemInformation(HMGMTOBJECT controller);
 
 /// The boot strap byte at offset 2045, or 255 when it didn't arrive. Returns the status of the call

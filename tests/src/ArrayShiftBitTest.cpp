@@ -20,7 +20,8 @@ using Nvram = std::map<unsigned, unsigned>;  // offset, value
 constexpr int NOT_OFFERED = static_cast<int>(0x80000004);
 constexpr int NO_OBJECT = static_cast<int>(0x80000008);
 
-/// A machine with two controllers, of which the second has the serial number SERIAL1.
+/// A machine with two controllers, of which the second has the serial number SERIAL1, and the first a longer
+/// one that begins with it.
 class ArrayShiftBitTest : public RunTest {
   protected:
     ArrayShiftBitTest() : controller(fakeController()) { make(0); }
@@ -31,7 +32,7 @@ class ArrayShiftBitTest : public RunTest {
         leave();
         json scenario = json::parse(R"({"devices": [
             {"name": "other", "kind": "array_controller", "product": "P", "family": "F", "firmware": "1.00",
-             "serial": "SERIAL2", "pci": {"address": "0000:0b:00.0", "driver": "xqrth"}},
+             "serial": "SERIAL10", "pci": {"address": "0000:0b:00.0", "driver": "xqrth"}},
             {"name": "one", "kind": "array_controller", "product": "P", "family": "F", "firmware": "1.00",
              "serial": "SERIAL1", "pci": {"address": "0000:0c:00.0", "driver": "vqsa"}}]})");
         scenario["devices"][1]["nvram"] = {{"2045", stored}, {"0x7FE", 7}};
@@ -196,6 +197,16 @@ TEST_F(ArrayShiftBitTest, ControllerThatCannotBeReachedIsReported) {
     takeVerboseLog();
     EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 10) << "no management objects";
     EXPECT_TRUE(verboseLogHas("InfoMgrOpenObject failed"));
+}
+
+// The reply ended in the middle of SERIAL10, which then read as SERIAL1: the wrong controller was written to.
+TEST_F(ArrayShiftBitTest, CutSerialNumberIsNoOtherControllers) {
+    row("TR57", true, "SERIAL1").numPhyDrives = 4;
+    make(0, R"([{"match": {"device": "other", "command": "0x66"}, "action": {"truncate": 51}}])");
+    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
+    EXPECT_EQ(nvram(), (Nvram{{2045, 2}, {2046, 254}}));
+    EXPECT_EQ(machine->devices()[0].nvram, Nvram{});
+    EXPECT_TRUE(verboseLogHas("\tController Serial Number refused: 7 of 32 bytes arrived\n"));
 }
 
 TEST_F(ArrayShiftBitTest, HandlesComeFromGetHandleAlone) {
