@@ -103,6 +103,8 @@ HMGMTOBJECT getHandle(std::string const& serial) {
 }
 
 std::string SenseSubsystemInformation(HMGMTOBJECT controller) {
+    // The form carries bytes 1 to 6 of 26 00 00 00 00 00 66 02 00 00. Byte 7 isn't among them: it would ask
+    // for 512 bytes, and what is sent for the buffer of 1,024 is 04 00.
     unsigned char data[SUBSYSTEM_SIZE];
     std::fill(std::begin(data), std::end(data), UNREAD);
     unsigned char error[ERROR_SIZE] = {};
