@@ -16,6 +16,7 @@ using namespace Interface::SysMod::Command;
 /// The all-zero address: the controller itself.
 constexpr char CONTROLLER_ROUTE[] = "QRTH:0000000000000000";
 
+constexpr std::uint8_t SCSI_GOOD = 0;
 constexpr std::uint16_t COMMAND_DONE = 0;
 constexpr std::uint16_t DATA_UNDERRUN = 2;
 /// The pass-through takes the least that it knows.
@@ -23,6 +24,8 @@ constexpr std::uint32_t SHORTEST_TIMEOUT = 0;
 
 constexpr std::uint32_t LONGEST_BLOCK = 16;
 constexpr std::uint32_t CSMI_REQUESTS = 0xCC77;
+/// What the length of a management command and the pass-through record's buffer size can tell.
+constexpr std::uint32_t LONGEST_DATA = 0xFFFF;
 /// More than any device of this family moves in one request.
 constexpr std::uint32_t LARGEST_RECORD = 16 * 1024 * 1024;
 
@@ -48,10 +51,13 @@ int refused(char const* what) {
     return InfoMgr::BAD_ARGUMENT;
 }
 
+/// Fewer bytes than asked for are a read all the same, but no write.
 template <typename Request>
 int outcome(char const* what, Request const& request, bool sent) {
+    bool const reads = request.transferType == EnTransferType::In;
     bool const done =
-        sent && (request.commandStatus == COMMAND_DONE || request.commandStatus == DATA_UNDERRUN);
+        sent && request.scsiStatus == SCSI_GOOD &&
+        (request.commandStatus == COMMAND_DONE || (reads && request.commandStatus == DATA_UNDERRUN));
     if (!done) {
         Common::DebugLogger::LogCommand(
             "%s failed: low level status %d, command status %u, SCSI status 0x%02X", what,
@@ -69,6 +75,9 @@ bool toRequest(Record const& record, SCSIRequest& request) {
         return false;
     }
     bool const writes = (record.flags & _INFOMGR_SCSI_REQUEST::WRITE_FLAG) != 0;
+    if (!writes && record.dataLength > LONGEST_DATA) {
+        return false;  // a part would pass for the whole; of a write, the pass-through sees to that
+    }
     request.transferType = record.dataLength == 0 ? EnTransferType::None
                            : writes               ? EnTransferType::Out
                                                   : EnTransferType::In;
@@ -112,6 +121,9 @@ int ArrayControllerDevice::ifuncControlObjInfo(std::uint32_t kind, _INFOMGR_BMIC
     if (!isBuffer(record.data, record.dataLength) || !isBuffer(record.error, record.errorLength)) {
         return refused("Management request without its buffer");
     }
+    if (record.dataLength > LONGEST_DATA) {
+        return refused("Management request of more than 65,535 bytes");
+    }
     BMICRequest request;
     request.transferType = record.dataLength == 0        ? EnTransferType::None
                            : kind == InfoMgr::WRITE_KIND ? EnTransferType::Out
@@ -131,7 +143,8 @@ int ArrayControllerDevice::ifuncControlObjInfo(std::uint32_t kind, _INFOMGR_BMIC
 int ArrayControllerDevice::ifuncControlObjInfo(std::uint32_t, _INFOMGR_SCSI_REQUEST& record) {
     SCSIRequest request;
     if (!toRequest(record, request)) {
-        return refused("Pass-through request with a bad command block or without its buffer");
+        return refused(
+            "Pass-through request with a bad command block, without its buffer or with too long a read");
     }
     request.timeout = SHORTEST_TIMEOUT;
     bool const sent = SendSCSICommand(deviceHandle(), request);
@@ -142,7 +155,9 @@ int ArrayControllerDevice::ifuncControlObjInfo(std::uint32_t, _INFOMGR_SCSI_REQU
 int ArrayControllerDevice::ifuncControlObjInfo(std::uint32_t, _INFOMGR_PASSTHRU_REQUEST& record) {
     SCSIRequest request;
     if (!toRequest(record, request)) {
-        return refused("Addressed pass-through request with a bad command block or without its buffer");
+        return refused(
+            "Addressed pass-through request with a bad command block, without its buffer or with too long a "
+            "read");
     }
     request.timeout = record.timeout;
     unsigned char const* const a = record.address;

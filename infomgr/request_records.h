@@ -18,8 +18,8 @@ struct BasicBmicRequest {
     std::uint8_t opcode;
     std::uint32_t address;  ///< command block bytes 2 to 5, byte 2 the most significant
     std::uint16_t unit;
-    Pointer data;  ///< borrowed, as all buffers
-    std::uint32_t dataLength;
+    Pointer data;              ///< borrowed, as all buffers
+    std::uint32_t dataLength;  ///< at most 65,535
     std::uint32_t reserved;
     Pointer error;  ///< receives sense data
     std::uint32_t errorLength;
@@ -35,12 +35,13 @@ struct BasicScsiRequest {
     Pointer command;
     std::uint8_t commandLength;  ///< 1 to 16
     Pointer data;
-    std::uint32_t dataLength;
+    std::uint32_t dataLength;  ///< of a read at most 65,535
     std::uint32_t flags;
     std::uint8_t reserved[5];
     Pointer error;
     std::uint32_t errorLength;
-    std::uint16_t status;  ///< set by the call: command status; 0 done, 2 fewer bytes than asked for
+    std::uint16_t status;  ///< set by the call: command status; 0 done, 2 fewer bytes than asked for, which a
+                           ///< write fails with
 };
 
 /// A CSMI request to a SAS adapter.
@@ -61,8 +62,8 @@ struct BasicPassthruRequest {
     std::uint8_t commandLength;  ///< 1 to 16
     std::uint32_t flags;         ///< as in BasicScsiRequest
     Pointer data;
-    std::uint32_t dataLength;
-    std::uint32_t timeout;  ///< seconds
+    std::uint32_t dataLength;  ///< as in BasicScsiRequest
+    std::uint32_t timeout;     ///< seconds
     Pointer error;
     std::uint32_t errorLength;
     std::uint8_t scsiStatus;      ///< this and the following are set by the call

@@ -1,5 +1,7 @@
 #include "src/arrayShiftBit.h"
 
+#include <algorithm>
+
 #include "src/CLI.h"
 #include "src/deviceAttributes.h"
 #include "src/deviceCollection.h"
@@ -31,6 +33,18 @@ constexpr char const* SHIFT_BIT_MODELS[] = {"TR57", "TR57i"};
 /// wasn't found out then.
 bool isSmall(Device_Info const& info) {
     return info.numSSD == 0 && info.numSeps <= 1 && info.numPhyDrives >= 1 && info.numPhyDrives <= 8;
+}
+
+/// Nothing else tells two controllers of one serial number apart: the first row and the first management
+/// object stay the ones. The rows are asked since looking further would send commands to other controllers.
+void warnOfTwins(std::string const& serial) {
+    auto const rows = std::count_if(deviceInfoCltn, deviceInfoCltn + discoveredDeviceCount,
+                                    [&](Device_Info const& one) { return serial == one.serialNum; });
+    if (rows > 1) {
+        cli.logVerbose(
+            "setArrayShiftBit: %d controllers with serial number %s, 1 expected: taking the first\n",
+            static_cast<int>(rows), serial.c_str());
+    }
 }
 
 int writeByte(HMGMTOBJECT controller, unsigned char value, unsigned short offset) {
@@ -71,6 +85,7 @@ int setArrayShiftBit(Common::shared_ptr<Core::Device> const& controller, std::st
                        serial.c_str());
         return codeNotFound;
     }
+    warnOfTwins(serial);
     // A copy, so that the mark doesn't reach the row: both flashes of a controller get here, and the second
     // one repeats what the first may have failed to write.
     Device_Info info = *row;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "common/string.h"
 #include "infomgr/request_records.h"
 #include "src/CLI.h"
 
@@ -20,7 +21,8 @@ constexpr std::size_t SERIAL_NUMBER_SIZE = 32;
 
 constexpr std::uint32_t NVRAM_SIZE = 2048;
 constexpr std::size_t BOOT_STRAP = 0x7FD;
-/// What NVRAM doesn't bring back is like a byte that nobody ever wrote.
+/// Buffers are filled with it beforehand, so that what didn't arrive shows: in NVRAM it is a byte that nobody
+/// ever wrote, and no serial number has it.
 constexpr unsigned char UNREAD = 255;
 constexpr std::uint32_t NVRAM_BLOCK_SIZE = 16;
 
@@ -74,12 +76,6 @@ int sendNvramCommand(HMGMTOBJECT controller, std::uint32_t kind, std::uint32_t d
     return status;
 }
 
-std::string trimmed(std::string const& text) {
-    std::size_t const begin = text.find_first_not_of(' ');
-    return begin == std::string::npos ? std::string()
-                                      : text.substr(begin, text.find_last_not_of(' ') - begin + 1);
-}
-
 }  // namespace
 
 HMGMTOBJECT getHandle(std::string const& serial) {
@@ -107,9 +103,10 @@ HMGMTOBJECT getHandle(std::string const& serial) {
 }
 
 std::string SenseSubsystemInformation(HMGMTOBJECT controller) {
-    // As a whole command block this is 26 00 00 00 00 00 66 02 00 00; its form carries bytes 1 to 6, and the
-    // length of the block follows from the buffer's.
-    unsigned char data[SUBSYSTEM_SIZE] = {};
+    // The form carries bytes 1 to 6 of 26 00 00 00 00 00 66 02 00 00. Byte 7 isn't among them: it would ask
+    // for 512 bytes, and what is sent for the buffer of 1,024 is 04 00.
+    unsigned char data[SUBSYSTEM_SIZE];
+    std::fill(std::begin(data), std::end(data), UNREAD);
     unsigned char error[ERROR_SIZE] = {};
     _INFOMGR_BMIC_REQUEST request = {};
     request.opcode = SENSE_SUBSYSTEM_INFORMATION;
@@ -123,12 +120,21 @@ std::string SenseSubsystemInformation(HMGMTOBJECT controller) {
     int const status = InfoMgrControlObject(controller, InfoMgr::BMIC_FUNCTION, InfoMgr::READ_KIND, &request,
                                             _INFOMGR_BMIC_REQUEST::LENGTH, nullptr, nullptr);
     cli.logVerbose("\tInfoMgrControlObject Return Status: %d\n", status);
-    if (data[SERIAL_NUMBER] == 0) {
+    unsigned char const* const member = data + SERIAL_NUMBER;
+    auto const arrived = std::find(member, member + SERIAL_NUMBER_SIZE, UNREAD) - member;
+    if (arrived != SERIAL_NUMBER_SIZE) {
+        // The beginning of a serial number may be another controller's whole one.
+        cli.logVerbose("\tController Serial Number refused: %d of %d bytes arrived\n",
+                       static_cast<int>(arrived), static_cast<int>(SERIAL_NUMBER_SIZE));
         return {};
     }
-    char const* const text = reinterpret_cast<char const*>(data + SERIAL_NUMBER);
-    // The device model tells the number without the blanks that fill the member.
-    std::string const serial = trimmed(std::string(text, strnlen(text, SERIAL_NUMBER_SIZE)));
+    if (*member == 0) {
+        return {};
+    }
+    char const* const text = reinterpret_cast<char const*>(member);
+    // The device model tells the number trimmed in the same way.
+    Common::string const trimmed = Common::string(text, strnlen(text, SERIAL_NUMBER_SIZE)).Trim();
+    std::string const serial = trimmed.c_str();
     cli.logVerbose("\t Controller Serial Number = %s", serial.c_str());
     return serial;
 }

@@ -264,6 +264,22 @@ TEST_F(ManagementObjects, ShortAndBadRequestsReachNoDevice) {
     _INFOMGR_BMIC_REQUEST bmic = {};
     bmic.dataLength = 1;
     EXPECT_EQ(control(controller, 0x8001, &bmic, 40), BAD) << "no buffer";
+    // Counts of 16 bits carry it: a part would pass for the whole.
+    std::vector<unsigned char> large(65536);
+    bmic.data = room.data = large.data();
+    bmic.dataLength = room.dataLength = 65536;
+    EXPECT_EQ(control(controller, 0x8001, &bmic, 40), BAD);
+    EXPECT_EQ(control(controller, 0x8001, &bmic, 40, 2), BAD);
+    room.command = bytes;
+    room.commandLength = 6;
+    EXPECT_EQ(control(controller, 0x8005, &room, 48), BAD);
+    _INFOMGR_SCSI_REQUEST longRead = {};
+    longRead.command = bytes;
+    longRead.commandLength = 6;
+    longRead.data = large.data();
+    longRead.dataLength = 65536;
+    EXPECT_EQ(control(controller, 0x8002, &longRead, 40), BAD);
+    room = {};
     for (unsigned char* const command : {static_cast<unsigned char*>(nullptr), bytes}) {
         for (std::uint8_t const length : {0, 17}) {
             _INFOMGR_SCSI_REQUEST scsi = {};
@@ -342,6 +358,46 @@ TEST_F(ManagementObjects, RequestsReachTheirDevicesAndBringTheirOutcome) {
     EXPECT_EQ(control(object(ADAPTER, 0), 0x8004, &csmi, 12), 0);
     EXPECT_EQ(record[4], 200);
     EXPECT_EQ(last().device, "hba");
+}
+
+/// Fewer bytes than asked for are a read, and no write.
+TEST_F(ManagementObjects, RefusedWriteIsNotWritten) {
+    struct {
+        char const* action;
+        std::uint16_t commandStatus;
+        int read, write;
+    } const rows[] = {
+        {R"({"command_status": 2})", 2, 0, NOT_REACHED},
+        {R"({"command_status": 4})", 4, NOT_REACHED, NOT_REACHED},
+        {R"({"scsi_status": 8})", 1, NOT_REACHED, NOT_REACHED},
+        {R"({"errno": "EIO"})", 0, NOT_REACHED, NOT_REACHED},
+    };
+    for (auto const& row : rows) {
+        InfoMgrRoot::Destroy();
+        enter(scenario());
+        HMGMTOBJECT const controller = object(CONTROLLER, 0);
+        machine->addFaults(
+            json::array({{{"match", {{"device", "one"}}}, {"action", json::parse(row.action)}}}), "faults");
+        unsigned char value = 1;
+        for (bool const writes : {false, true}) {
+            unsigned char block[16] = {0x26, 0, 0xFD, 7, 1, 0, 0x42, 0, 0xD4, 1};
+            block[0] = writes ? 0x27 : 0x26;
+            int const expected = writes ? row.write : row.read;
+            _INFOMGR_SCSI_REQUEST scsi = {};
+            scsi.command = block;
+            scsi.commandLength = 16;
+            scsi.data = &value;
+            scsi.dataLength = 1;
+            scsi.flags = writes ? 0x84 : 0x80;
+            EXPECT_EQ(control(controller, 0x8002, &scsi, 40), expected) << row.action << writes;
+            EXPECT_EQ(scsi.status, row.commandStatus) << row.action;
+            _INFOMGR_BMIC_REQUEST bmic = {};
+            bmic.opcode = 0x11;
+            bmic.data = &value;
+            bmic.dataLength = 1;
+            EXPECT_EQ(control(controller, 0x8001, &bmic, 40, writes ? 2 : 1), expected) << row.action;
+        }
+    }
 }
 
 /// While a request is at its device nothing is locked, and its object stays although everything is given up.

@@ -168,6 +168,45 @@ TEST_P(BootStrap, FollowsTheFlash) {
     EXPECT_EQ(followUp(package), row.log);
 }
 
+/// What a discovery finds behind the controller decides.
+TEST(BootStraps, FollowTheDrivesAndProcessors) {
+    constexpr char THREE[] = R"({"count": 3, "interface": "sata"})";
+    constexpr char NO_BOXES[] = "[]";
+    constexpr char PROCESSORS[] = R"([{"bus": 8, "target": 0, "drives": [0, 1, 2], "serial": "BOX", "seps": [
+        {"index": 16, "product": "ENCL 03 SEP"}, {"index": 17, "product": "ENCL 03 SEP"}]}])";
+    struct {
+        char const* drives;
+        char const* boxes;
+        Nvram after;
+        char const* counts;
+    } const rows[] = {
+        {THREE, NO_BOXES, {{2045, 2}, {2046, 254}}, "numSSD: 0 pDevInfo.numSeps: 0 pDevInfo.numPhyDrives: 3"},
+        {R"([{"interface": "sata"}, {"interface": "sata"}, {"interface": "sata_ssd"}])",
+         NO_BOXES,
+         {},
+         "numSSD: 1 pDevInfo.numSeps: 0 pDevInfo.numPhyDrives: 3"},
+        {R"({"count": 9, "interface": "sata"})",
+         NO_BOXES,
+         {},
+         "numSSD: 0 pDevInfo.numSeps: 0 pDevInfo.numPhyDrives: 9"},
+        {THREE, PROCESSORS, {}, "numSSD: 0 pDevInfo.numSeps: 2 pDevInfo.numPhyDrives: 3"},
+    };
+    for (auto const& row : rows) {
+        PackageRun const package("two-controllers");
+        json machine = json::parse(readText(package.directory() / "machine.json"));
+        machine["devices"].erase(1);
+        json& device = machine["devices"][0];
+        device["pci"]["subsystem_device"] = TR57;
+        device["nvram"] = {{"2045", 3}, {"2046", 7}};
+        device["drives"] = json::parse(row.drives);
+        device["boxes"] = json::parse(row.boxes);
+        choose(package, machine);
+        EXPECT_EQ(package.flash({"-s"}).status, 1) << row.counts;
+        EXPECT_EQ(package.devices()[0].nvram, row.after) << row.counts;
+        EXPECT_NE(followUp(package).find(row.counts), std::string::npos) << followUp(package);
+    }
+}
+
 /// The second controller is found behind the first, by its serial number.
 TEST(BootStraps, OfTwoControllersAreTheirOwn) {
     PackageRun const package("two-controllers");

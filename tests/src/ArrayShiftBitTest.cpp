@@ -20,20 +20,24 @@ using Nvram = std::map<unsigned, unsigned>;  // offset, value
 constexpr int NOT_OFFERED = static_cast<int>(0x80000004);
 constexpr int NO_OBJECT = static_cast<int>(0x80000008);
 
-/// A machine with two controllers, of which the second has the serial number SERIAL1.
+/// A machine with two controllers, of which the second has the serial number SERIAL1, and the first a longer
+/// one that begins with it.
 class ArrayShiftBitTest : public RunTest {
   protected:
     ArrayShiftBitTest() : controller(fakeController()) { make(0); }
     ~ArrayShiftBitTest() override { leave(); }
 
     /// The second byte of the pair is 7 unless it is written.
-    void make(int stored, char const* fault = "[]") {
+    void make(int stored, char const* fault = "[]", char const* serial = "SERIAL1",
+              char const* otherSerial = "SERIAL10") {
         leave();
         json scenario = json::parse(R"({"devices": [
             {"name": "other", "kind": "array_controller", "product": "P", "family": "F", "firmware": "1.00",
-             "serial": "SERIAL2", "pci": {"address": "0000:0b:00.0", "driver": "xqrth"}},
+             "pci": {"address": "0000:0b:00.0", "driver": "xqrth"}},
             {"name": "one", "kind": "array_controller", "product": "P", "family": "F", "firmware": "1.00",
-             "serial": "SERIAL1", "pci": {"address": "0000:0c:00.0", "driver": "vqsa"}}]})");
+             "pci": {"address": "0000:0c:00.0", "driver": "vqsa"}}]})");
+        scenario["devices"][0]["serial"] = otherSerial;
+        scenario["devices"][1]["serial"] = serial;
         scenario["devices"][1]["nvram"] = {{"2045", stored}, {"0x7FE", 7}};
         simulator::Machine::create(directory() + "/machine", scenario);
         machine = std::make_unique<simulator::Machine>(directory() + "/machine");
@@ -146,6 +150,16 @@ TEST_F(ArrayShiftBitTest, FailuresOfTheReadAndOfTheSecondWriteCount) {
          "Scsi command Falied 4writeNVRAMBootStrap retuns: -2147483643:byteValue 2\n"
          "writeNVRAMBootStrap retuns: 0:byteValue 254\n"},
         {0,
+         R"([{"match": {"command": "WRITE NVRAM", "nth": 2}, "action": {"command_status": 2}}])",
+         8,
+         {{2045, 2}, {2046, 7}},
+         "writeNVRAMBootStrap retuns: -2147483643:byteValue 254\n"},
+        {0,
+         R"([{"match": {"command": "WRITE NVRAM", "nth": 2}, "action": {"scsi_status": 8}}])",
+         8,
+         {{2045, 2}, {2046, 7}},
+         "writeNVRAMBootStrap retuns: -2147483643:byteValue 254\n"},
+        {0,
          R"([{"match": {"command": "WRITE NVRAM", "nth": 2}, "action": {"errno": "ENODEV"}}])",
          8,
          {{2045, 2}, {2046, 7}},
@@ -196,6 +210,37 @@ TEST_F(ArrayShiftBitTest, ControllerThatCannotBeReachedIsReported) {
     takeVerboseLog();
     EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 10) << "no management objects";
     EXPECT_TRUE(verboseLogHas("InfoMgrOpenObject failed"));
+}
+
+// The reply ended in the middle of SERIAL10, which then read as SERIAL1: the wrong controller was written to.
+TEST_F(ArrayShiftBitTest, CutSerialNumberIsNoOtherControllers) {
+    row("TR57", true, "SERIAL1").numPhyDrives = 4;
+    make(0, R"([{"match": {"device": "other", "command": "0x66"}, "action": {"truncate": 51}}])");
+    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
+    EXPECT_EQ(nvram(), (Nvram{{2045, 2}, {2046, 254}}));
+    EXPECT_EQ(machine->devices()[0].nvram, Nvram{});
+    EXPECT_TRUE(verboseLogHas("\tController Serial Number refused: 7 of 32 bytes arrived\n"));
+}
+
+// The library trims tabs and line ends, too.
+TEST_F(ArrayShiftBitTest, SerialNumberIsTrimmedAsTheDeviceModelTrims) {
+    for (char const* serial : {"SERIAL1\t", " SERIAL1 ", "\tSERIAL1 \n"}) {
+        make(0, "[]", serial);
+        EXPECT_NE(getHandle("SERIAL1"), nullptr) << serial;
+    }
+}
+
+TEST_F(ArrayShiftBitTest, FirstOfTwoControllersWithOneSerialNumberIsTaken) {
+    row("TR57", true, "SERIAL1").numPhyDrives = 4;
+    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
+    EXPECT_FALSE(verboseLogHas("1 expected"));
+    row("TR57", true, "SERIAL1").numPhyDrives = 4;
+    make(0, "[]", "SERIAL1", "SERIAL1");
+    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
+    EXPECT_EQ(machine->devices()[0].nvram, (Nvram{{2045, 2}, {2046, 254}}));
+    EXPECT_EQ(nvram(), (Nvram{{2046, 7}}));
+    EXPECT_TRUE(verboseLogHas(
+        "setArrayShiftBit: 2 controllers with serial number SERIAL1, 1 expected: taking the first\n"));
 }
 
 TEST_F(ArrayShiftBitTest, HandlesComeFromGetHandleAlone) {
