@@ -56,8 +56,7 @@ SCSILogSelect::SCSILogSelect(Bytes parameters)
     setNumber(7, 2, data().size());
 }
 
-ReadSupportedLogPages::ReadSupportedLogPages()
-    : ScsiBlockCommand(10, {0x4D}, Direction::In, SUPPORTED_PAGES) {
+ReadSupportedLogPages::ReadSupportedLogPages() : SCSILogSense({0x4D}, SUPPORTED_PAGES) {
     setNumber(7, 2, SUPPORTED_PAGES);
 }
 

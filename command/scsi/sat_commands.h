@@ -19,13 +19,15 @@ class SCSIATAIdentifyDevice : public SCSIATAPassThrough {
     SCSIATAIdentifyDevice() : SCSIATAPassThrough(0x08, 0x0E, 0, 1, 0xEC, Direction::In, 512) {}
 };
 
-// READ LOG EXT, one block of a log's page, for drives behind a controller.
+// READ LOG EXT, one block of a log's page, for drives behind a controller. Past the reply cache, like LOG
+// SENSE.
 class SCSIATAReadLogExt : public SCSIATAPassThrough {
   public:
     SCSIATAReadLogExt(unsigned char log, unsigned char page)
         : SCSIATAPassThrough(0x09, 0x0E, 0, 1, 0x2F, Direction::In, 512) {
         setNumber(8, 1, log);
         setNumber(10, 1, page);
+        PassThrough(true);
     }
 };
 

@@ -8,9 +8,12 @@
 #include "flash/component_operations.h"
 #include "flash/nvram.h"
 #include "storage/operations/discover_non_vaultline_physical_drive.h"
+#include "storage/operations/discover_physical_drive.h"
 #include "storage/operations/discover_storage_enclosure.h"
 #include "storage/operations/read_ssd_info.h"
+#include "storage/schema/array_controller.h"
 #include "tests/flash/flash_fixture.h"
+#include "tests/storage/answers.h"
 
 namespace flash_test {
 namespace {
@@ -147,6 +150,72 @@ TEST_F(DriveRoom, TakesWhatTheFlashOperationsWrite) {
     std::ifstream file(path, std::ios::binary);
     EXPECT_TRUE(memory == (Bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()}));
     std::filesystem::remove(path);
+}
+
+/// Of an address the cache's key has the first byte alone, which many drives share.
+TEST_F(DriveRoom, TellsTheWearOfEachDriveWithTheReplyCacheOn) {
+    struct CacheOn {
+        CacheOn() {
+            SetCommandCacheState(true);
+            SetDefaultCacheFlag(true);
+        }
+        ~CacheOn() {
+            SetCommandCacheState(false);
+            ClearModRootCache();
+        }
+    } const cacheOn;
+    discover(oneController(json::parse(R"({"drives": [
+        {"name": "a", "address": "0000004000000001", "interface": "sas_ssd", "wear": {"percent": 7, "power_cycles": 33}},
+        {"name": "b", "address": "0000004000000002", "interface": "sas_ssd", "wear": {"percent": 100, "power_cycles": 44}},
+        {"name": "c", "address": "0000004000000003", "interface": "sata_ssd", "wear": {"percent": 8, "power_cycles": 55}},
+        {"name": "d", "address": "0000004000000004", "interface": "sata_ssd", "wear": {"percent": 9, "power_cycles": 66}}]})")));
+    ASSERT_TRUE(GetCacheHasContentsForDevice(dynamic_cast<Schema::ArrayController&>(only()).handle()));
+    for (auto const& [number, wear] :
+         {std::pair{"0", "7 33"}, {"1", "100 44"}, {"2", "8 55"}, {"3", "9 66"}}) {
+        EXPECT_TRUE(drive(number)->perform(OperationPointer(new Operations::ReadSSDInfo)));
+        EXPECT_EQ(wear, attribute(*drive(number), "ATTR_NAME_EXINFO_SSD_UTILIZATION") + " " +
+                            attribute(*drive(number), "ATTR_NAME_EXINFO_POWER_CYCLES"));
+    }
+}
+
+/// Controllers with the oldest maps name a drive by its number, all others by its place behind 128.
+TEST_F(DriveRoom, AsksForADriveByTheIndexThatTheControllersMapsHave) {
+    for (auto const& [limit, block] :
+         {std::pair{32, "26000500000015080000 in 2048"}, {33, "26008500000015080000 in 2048"}}) {
+        json machineOf = oneController(json::parse(R"({"drives": [{"name": "five", "index": 5}]})"));
+        machineOf["devices"][0]["identify"]["wMaximumPhysicalDevicesSupported"] = limit;
+        discover(machineOf);
+        EXPECT_EQ(1U, sent("00000015080000 in 2048")) << limit;
+        EXPECT_EQ(1U, sent(block)) << limit;
+    }
+}
+
+/// On the controller's handle the firmware of a drive without a handle would go to the controller.
+TEST_F(DriveRoom, SendsNothingToADriveThatTheListOfDevicesDoesNotHave) {
+    discover(oneController(json::parse(R"({"drives": [{"name": "listed"}]})")));
+    auto const answers = std::make_unique<Answers>(*door);
+    Bytes identify(512);
+    put(identify, 5, "6.40");
+    identify[54] = 0x01;
+    identify[156] = 128;
+    identify[197] = 2;
+    answers->management[{0x11, 0, 0}] = identify;
+    EXPECT_TRUE(only().perform(OperationPointer(new Operations::DiscoverPhysicalDrive)));
+    DevicePointer const unlisted = drive("0");
+    std::size_t const before = journalSize();
+    for (char const* type : {"SCSI_WRITE_BUFFER", "ATA_PASSTHRU_DOWNLOAD_MICROCODE"}) {
+        OperationPointer const flash(new Operations::WriteFlashPhysicalDrive);
+        Bytes const image(512, 0xA5);
+        flash->SetArgument(Core::DeviceOperation::eSET, "ATTR_NAME_BUFFER_ADDRESS",
+                           std::to_string(reinterpret_cast<std::uintptr_t>(image.data())).c_str());
+        flash->SetArgument(Core::DeviceOperation::eSET, "ATTR_NAME_BUFFER_SIZE", "512");
+        flash->SetArgument(Core::DeviceOperation::eSET, "ATTR_NAME_FLASH_TYPE",
+                           (std::string("ATTR_VALUE_FLASH_TYPE_") + type).c_str());
+        auto const result = unlisted->perform(flash);
+        EXPECT_FALSE(result) << type;
+        EXPECT_EQ("2", attribute(result, "ATTR_NAME_LOW_LEVEL_STATUS")) << type << ": there is no such node";
+    }
+    EXPECT_EQ(before, journalSize());
 }
 
 TEST_F(DriveRoom, HasDrivesBehindPlainAdapters) {
