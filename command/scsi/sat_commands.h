@@ -34,7 +34,10 @@ class SCSIATAReadLogExt : public SCSIATAPassThrough {
 // A taskfile and its data.
 class ATADataCommand : public ATACommand {
   public:
+    // As many bytes as were asked for; zeros behind those that came.
     std::vector<unsigned char> const& data() const { return m_data; }
+    // How many bytes of the reply came; 0 when the drive refused the command.
+    std::size_t receivedLength() const { return m_received; }
 
   protected:
     ATADataCommand(unsigned char command, std::size_t dataSize) : m_command(command), m_data(dataSize) {}
@@ -48,6 +51,7 @@ class ATADataCommand : public ATACommand {
   private:
     unsigned char m_command;
     std::vector<unsigned char> m_data;
+    std::size_t m_received = 0;
 };
 
 class ATAIdentify : public ATADataCommand {

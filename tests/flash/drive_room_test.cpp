@@ -271,5 +271,30 @@ TEST_F(DriveRoom, HasDrivesBehindPlainAdapters) {
     EXPECT_EQ(2U, below(*boxes[0], "NON_VAULTLINE_PHYSICAL_DRIVE").size());
 }
 
+/// Half an identity, or none, isn't published: what INQUIRY tells is.
+TEST_F(DriveRoom, TellsOfAnAtaDriveWithoutAnIdentityWhatInquiryTells) {
+    for (char const* action : {R"({"scsi_status": 2, "sense": [11, 0, 0]})", R"({"truncate": 50})", ""}) {
+        SCOPED_TRACE(action);
+        discover(json::parse(R"({"devices": [{"name": "hba", "kind": "csmi_adapter",
+            "pci": {"address": "0000:05:00.0", "driver": "mpt2sas"},
+            "phys": [{"kind": "drive", "sas_address": "51E5C0A000000121", "interface": "sata_ssd",
+                      "vendor": "ATA", "product": "MB4000SATA", "revision": "HPG20001", "serial": "SN-2"}]}]})"));
+        bool const whole = *action == '\0';
+        if (!whole)
+            addFault((std::string(R"({"match": {"command": "0x85"}, "action": )") + action + "}").c_str());
+        Core::Device& adapter = *children("ATTR_VALUE_TYPE_HBA").at(0);
+        EXPECT_TRUE(adapter.perform(OperationPointer(new Operations::DiscoverNonVaultlinePhysicalDrive)));
+        auto const drives = below(adapter, "NON_VAULTLINE_PHYSICAL_DRIVE");
+        ASSERT_EQ(1U, drives.size());
+        for (auto const& [name, value] : {std::pair{"ATTR_NAME_DRIVE_MODEL", "MB4000SATA"},
+                                          {"ATTR_NAME_SERIAL_NUMBER", "SN-2"},
+                                          {"ATTR_NAME_FIRMWARE_REVISION", whole ? "HPG20001" : "0001"},
+                                          {"ATTR_NAME_INTERFACE", whole ? "ATTR_VALUE_INTERFACE_SATA_SSD"
+                                                                        : "ATTR_VALUE_INTERFACE_SATA"}}) {
+            EXPECT_EQ(value, attribute(*drives[0], name)) << name;
+        }
+    }
+}
+
 }  // namespace
 }  // namespace flash_test
