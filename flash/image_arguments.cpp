@@ -1,5 +1,8 @@
 #include "flash/image_arguments.h"
 
+#include <charconv>
+#include <cstdint>
+
 #include "command/device_command_return.h"
 #include "common/conversion.h"
 #include "common/debug_logger.h"
@@ -9,6 +12,15 @@ namespace Operations {
 
 namespace Results = Interface::TOLKMod::OperationReturn;
 namespace Cap = Interface::TOLKMod::Capability;
+
+bool readNumber(Common::string const& text, unsigned long long largest, unsigned long long& value) {
+    unsigned long long number = 0;
+    char const* const end = text.c_str() + text.size();
+    auto const [stop, error] = std::from_chars(text.c_str(), end, number);
+    if (error != std::errc() || stop != end || number > largest) return false;
+    value = number;
+    return true;
+}
 
 bool demandArguments(Core::DeviceOperation const& operation, std::initializer_list<char const*> names,
                      Core::OperationReturn& result) {
@@ -22,16 +34,17 @@ bool demandArguments(Core::DeviceOperation const& operation, std::initializer_li
 
 ImageSpan readImage(Core::DeviceOperation const& operation, char const* addressName, char const* sizeName,
                     std::size_t largest, Core::OperationReturn& result) {
-    auto const address = Conversion::toNumber<unsigned long long>(operation.getArgValue(addressName));
-    // Read in full width: a size that is cut to 32 bits would flash a part of the image.
-    auto const size = Conversion::toNumber<unsigned long long>(operation.getArgValue(sizeName));
-    ImageSpan const image = {reinterpret_cast<unsigned char const*>(static_cast<std::uintptr_t>(address)),
-                             static_cast<std::size_t>(size)};
-    if (image.bytes == nullptr) {
+    unsigned long long address = 0;
+    unsigned long long size = 0;
+    ImageSpan image = {nullptr, 0};
+    if (!readNumber(operation.getArgValue(addressName), UINTPTR_MAX, address) || address == 0) {
         refuseArgument(addressName, operation.getArgValue(addressName), "an address", result);
-    } else if (image.size == 0 || image.size > largest) {
+    } else if (!readNumber(operation.getArgValue(sizeName), largest, size) || size == 0) {
         Common::string const expected = "1 to " + Conversion::toString(static_cast<unsigned>(largest));
         refuseArgument(sizeName, operation.getArgValue(sizeName), expected.c_str(), result);
+    } else {
+        image = {reinterpret_cast<unsigned char const*>(static_cast<std::uintptr_t>(address)),
+                 static_cast<std::size_t>(size)};
     }
     return image;
 }

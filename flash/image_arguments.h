@@ -13,6 +13,10 @@ namespace Operations {
 /// Most bytes that one management command carries: its block's length field has two bytes.
 inline constexpr std::size_t LARGEST_COMMAND = 0xFFFF;
 
+/// Takes an argument that is decimal digits and nothing else. False, with `value` as it was, for other text
+/// and for a number above `largest`: half a number is another address, or another device.
+bool readNumber(Common::string const& text, unsigned long long largest, unsigned long long& value);
+
 /// Whether all arguments are there. Each missing one is filed, so that `result` names the last of them.
 bool demandArguments(Core::DeviceOperation const& operation, std::initializer_list<char const*> names,
                      Core::OperationReturn& result);

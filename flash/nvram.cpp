@@ -1,7 +1,9 @@
 #include "flash/nvram.h"
 
+#include <cerrno>
 #include <cstdio>
-#include <memory>
+#include <cstring>
+#include <filesystem>
 
 #include "command/controller_command.h"
 #include "command/device_command_return.h"
@@ -22,14 +24,25 @@ using Core::OperationReturn;
 
 constexpr unsigned IDENTITIES = 256;
 constexpr unsigned MEMORY_SIZE = 256;
+constexpr unsigned char REPEATS = 2;
+/// Commands that may not reach the controller in a search: each can take as long as its timeout.
+constexpr unsigned MOST_UNDELIVERED = 2;
 /// Beside the identity in the address field of a write.
 constexpr std::uint32_t WRITE_FLAG = 0x10000;
 
 using SenseNVRAM = SenseControllerCommand<NVRAMPassThroughTrait>;
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
+/// False, with a line in the log and without the file, when not all of it was written. What isn't a regular
+/// file stays.
+bool writeWhole(std::FILE* file, char const* path, unsigned char const* bytes) {
+    bool const written = std::fwrite(bytes, 1, MEMORY_SIZE, file) == MEMORY_SIZE;
+    if (std::fclose(file) == 0 && written) return true;
+    Common::DebugLogger::LogCommand("File %s refused: fewer than %u bytes could be written: %s", path,
+                                    MEMORY_SIZE, std::strerror(errno));
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(path, ignored)) std::filesystem::remove(path, ignored);
+    return false;
+}
 
 /// In the highest byte of the address field.
 constexpr std::uint32_t identityField(unsigned identity) {
@@ -38,12 +51,11 @@ constexpr std::uint32_t identityField(unsigned identity) {
 
 unsigned readIdentity(Core::DeviceOperation const& operation, OperationReturn& result) {
     Common::string const text = operation.getArgValue(Names::ATTR_NAME_BMIC_I2C_ID);
-    auto const identity = Conversion::toNumber<unsigned int>(text);
-    // What isn't a number reads as 0, which is an identity of its own.
-    if (identity >= IDENTITIES || (identity == 0 && text.Trim() != "0")) {
+    unsigned long long identity = 0;
+    if (!readNumber(text, IDENTITIES - 1, identity)) {
         refuseArgument(Names::ATTR_NAME_BMIC_I2C_ID, text, "0 to 255", result);
     }
-    return identity;
+    return static_cast<unsigned>(identity);
 }
 
 Common::shared_ptr<Core::Capability> identityCapability(Common::shared_ptr<Core::Device> const& device) {
@@ -73,15 +85,18 @@ std::vector<std::uint8_t> answeringI2CIdentities(Core::Device& controller) {
     std::vector<std::uint8_t> answering;
     auto* const commands = dynamic_cast<BMICDevice*>(&controller);
     if (commands == nullptr) return answering;
+    unsigned undelivered = 0;
     for (unsigned identity = 0; identity < IDENTITIES; ++identity) {
         SenseNVRAM sense;
         sense.SetDetails(identityField(identity));
-        // Nobody there isn't a passing condition.
-        sense.SetNumMaxRetries(0);
+        // Of passing conditions only: nobody there isn't one.
+        sense.SetNumMaxRetries(REPEATS);
         if (sense(*commands)) {
             answering.push_back(static_cast<std::uint8_t>(identity));
-        } else if (!sense.isDelivered()) {
-            return {};
+        } else if (!sense.isDelivered() && ++undelivered == MOST_UNDELIVERED) {
+            Common::DebugLogger::LogCommand(
+                "I2C identities behind %u not looked at: the controller isn't reached", identity);
+            break;
         }
     }
     return answering;
@@ -127,9 +142,12 @@ OperationReturn ReadNVRAM::visit(Schema::ArrayController& controller) {
         result.Receive(Core::Attribute(Results::ATTR_NAME_STATUS, Results::ATTR_VALUE_STATUS_FAILURE));
     }
     if (!result) return result;
-    std::unique_ptr<std::FILE, CloseFile> const file(
-        std::fopen(getArgValue(Names::ATTR_NAME_OUTPUT_FILE_NAME).c_str(), "wb"));
-    if (file) std::fwrite(command.buffer().data(), 1, MEMORY_SIZE, file.get());
+    Common::string const path = getArgValue(Names::ATTR_NAME_OUTPUT_FILE_NAME);
+    std::FILE* const file = std::fopen(path.c_str(), "wb");
+    // A file that can't be opened has never been a failure here, and callers look for it themselves.
+    if (file != nullptr && !writeWhole(file, path.c_str(), command.buffer().data())) {
+        result.Receive(Core::Attribute(Results::ATTR_NAME_STATUS, Results::ATTR_VALUE_STATUS_FAILURE));
+    }
     return result;
 }
 

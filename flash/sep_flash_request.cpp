@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "command/concrete_devices.h"
-#include "common/conversion.h"
 #include "common/debug_logger.h"
 #include "core/device_finder.h"
 #include "core/tolkmod.h"
@@ -91,8 +90,8 @@ bool readLimit(DeviceOperation const& operation, SepFlashRequest& request, Opera
         return demandArguments(operation, {Names::ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE}, result);
     }
     Common::string const limit = operation.getArgValue(Names::ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE);
-    auto const number = Conversion::toNumber<unsigned long long>(limit);
-    if (number > 0xFFFF) {
+    unsigned long long number = 0;
+    if (isGiven && !readNumber(limit, 0xFFFF, number)) {
         refuseArgument(Names::ATTR_NAME_MAX_SEPS_PARALLEL_FLASHABLE, limit, "0 to 65535", result);
         return false;
     }

@@ -72,9 +72,9 @@ struct BasicATARequest {
     std::uint8_t lbaHigh = 0;
     std::uint8_t device = 0;
     std::uint8_t command = 0;
-    std::uint8_t ataStatus = 0;  ///< set by the transport
-    Pointer dataBuffer{};        ///< borrowed
-    std::uint32_t dataLength = 0;
+    std::uint8_t ataStatus = 0;    ///< set by the transport
+    Pointer dataBuffer{};          ///< borrowed
+    std::uint32_t dataLength = 0;  ///< bytes at dataBuffer; on return of a read, those that came
     std::int32_t lowLevelStatus = 0;
     std::uint32_t resultLength = 0;  ///< 8
     /// The command's eight result bytes, borrowed: error, sector count, LBA low, mid and high, device, status

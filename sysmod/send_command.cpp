@@ -155,6 +155,7 @@ bool SendATACommandEx(OpenDeviceNode const& node, Common::string const (&table)[
     bool const sent = SendSCSICommandEx(node, table, carrier);
     if (sent) {
         ATACommandHandler::TakeResultRegisters({carrier.senseBuffer, carrier.senseLength}, request);
+        if (request.transferType == EnTransferType::In) request.dataLength = carrier.dataLength;
     }
     request.scsiStatus = carrier.scsiStatus;
     request.lowLevelStatus = carrier.lowLevelStatus;

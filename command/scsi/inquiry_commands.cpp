@@ -18,7 +18,7 @@ constexpr unsigned char NAA_OF_THE_UNIT = 0x03;
 }  // namespace
 
 std::size_t SCSIReadVPDPage::pageEnd() const {
-    if (data().size() < PAGE_HEADER) return 0;
+    if (receivedLength() < PAGE_HEADER) return 0;
     return std::min(data().size(), PAGE_HEADER + readBigEndian<std::uint16_t>(&data()[2]));
 }
 
@@ -28,7 +28,7 @@ Common::string VPDPage80::serialNumber() const {
 }
 
 Common::string VPDPage83::identifier() const {
-    std::size_t const end = pageEnd();
+    std::size_t const end = std::min(pageEnd(), receivedLength());
     for (std::size_t at = PAGE_HEADER; at + DESIGNATOR_HEADER <= end;) {
         std::size_t const length = byte(at + 3);
         std::size_t const value = at + DESIGNATOR_HEADER;

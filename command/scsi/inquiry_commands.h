@@ -33,7 +33,7 @@ class SCSIReadVPDPage : public ScsiBlockCommand {
         : ScsiBlockCommand(6, {0x12, 1, page, 0, length}, Direction::In, length) {}
 
   protected:
-    // Bytes of the page that are there: what the page says, and no more than was read.
+    // Bytes of the page: what the page says, and no more than was asked for.
     std::size_t pageEnd() const;
 };
 

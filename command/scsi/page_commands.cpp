@@ -56,16 +56,15 @@ SCSILogSelect::SCSILogSelect(Bytes parameters)
     setNumber(7, 2, data().size());
 }
 
-ReadSupportedLogPages::ReadSupportedLogPages()
-    : ScsiBlockCommand(10, {0x4D}, Direction::In, SUPPORTED_PAGES) {
+ReadSupportedLogPages::ReadSupportedLogPages() : SCSILogSense({0x4D}, SUPPORTED_PAGES) {
     setNumber(7, 2, SUPPORTED_PAGES);
 }
 
 ReadSupportedLogPages::Bytes ReadSupportedLogPages::pages() const {
-    std::size_t const count =
-        std::min<std::size_t>(readBigEndian<std::uint16_t>(&data()[2]), data().size() - LOG_PAGE_HEADER);
-    auto const first = data().begin() + LOG_PAGE_HEADER;
-    return Bytes(first, first + static_cast<std::ptrdiff_t>(count));
+    if (received().size() < LOG_PAGE_HEADER) return {};
+    auto const pages = received().subspan(LOG_PAGE_HEADER);
+    auto const count = std::min<std::size_t>(readBigEndian<std::uint16_t>(&data()[2]), pages.size());
+    return Bytes(pages.begin(), pages.begin() + static_cast<std::ptrdiff_t>(count));
 }
 
 bool ReadSupportedLogPages::supports(unsigned char page) const {

@@ -43,8 +43,18 @@ class SCSILogSelect : public ScsiBlockCommand {
     explicit SCSILogSelect(Bytes parameters);
 };
 
+// LOG SENSE. Past the reply cache: of an address its key has the first byte alone, and would answer with the
+// page of another drive.
+class SCSILogSense : public ScsiBlockCommand {
+  protected:
+    SCSILogSense(std::initializer_list<unsigned char> block, std::size_t dataSize)
+        : ScsiBlockCommand(10, block, Direction::In, dataSize) {
+        PassThrough(true);
+    }
+};
+
 // The log pages that a device has.
-class ReadSupportedLogPages : public ScsiBlockCommand {
+class ReadSupportedLogPages : public SCSILogSense {
   public:
     ReadSupportedLogPages();
     bool supports(unsigned char page) const;
@@ -52,19 +62,19 @@ class ReadSupportedLogPages : public ScsiBlockCommand {
 };
 
 // Workload and wear of a solid state drive.
-class ReadWLLPage : public ScsiBlockCommand {
+class ReadWLLPage : public SCSILogSense {
   public:
     // The block asks for 4,096 bytes and the buffer takes 260: drives give no more of this page.
-    ReadWLLPage() : ScsiBlockCommand(10, {0x4D, 0, 0x76, 0, 0, 0, 0, 0x10, 0}, Direction::In, 260) {}
+    ReadWLLPage() : SCSILogSense({0x4D, 0, 0x76, 0, 0, 0, 0, 0x10, 0}, 260) {}
 };
 
 // The SMART page's first parameter, and the one numbered 4.
-class ReadWLLSmartPageParam0 : public ScsiBlockCommand {
+class ReadWLLSmartPageParam0 : public SCSILogSense {
   public:
-    ReadWLLSmartPageParam0() : ScsiBlockCommand(10, {0x4D, 0, 0x6F, 0, 0, 0, 0, 0, 16}, Direction::In, 16) {}
+    ReadWLLSmartPageParam0() : SCSILogSense({0x4D, 0, 0x6F, 0, 0, 0, 0, 0, 16}, 16) {}
 };
 
-class ReadWLLSmartPageParam4 : public ScsiBlockCommand {
+class ReadWLLSmartPageParam4 : public SCSILogSense {
   public:
-    ReadWLLSmartPageParam4() : ScsiBlockCommand(10, {0x4D, 0, 0x6F, 0, 0, 0, 4, 0, 16}, Direction::In, 16) {}
+    ReadWLLSmartPageParam4() : SCSILogSense({0x4D, 0, 0x6F, 0, 0, 0, 4, 0, 16}, 16) {}
 };

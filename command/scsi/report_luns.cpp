@@ -10,6 +10,11 @@ namespace {
 constexpr std::size_t SMALL_LIMIT = 0xFFFF;
 constexpr std::size_t BIG_MINIMUM = 128000;
 
+void logCutHeader(std::size_t received) {
+    Common::DebugLogger::LogCommand("List of units refused: %zu bytes came, at least %zu expected", received,
+                                    ReportLuns::HEADER_SIZE);
+}
+
 }  // namespace
 
 bool ReportLuns::sendCommand(SCSIDevice& device, Interface::SysMod::Command::SCSIRequest& request) {
@@ -18,6 +23,10 @@ bool ReportLuns::sendCommand(SCSIDevice& device, Interface::SysMod::Command::SCS
     if (!ScsiBlockCommand::sendCommand(device, request)) {
         resize(HEADER_SIZE);
         return false;
+    }
+    if (receivedLength() < HEADER_SIZE) {
+        logCutHeader(receivedLength());
+        return true;
     }
     std::uint32_t const announced = readBigEndian<std::uint32_t>(data().data());
     if (announced == 0) return true;
@@ -34,7 +43,14 @@ bool ReportLuns::sendCommand(SCSIDevice& device, Interface::SysMod::Command::SCS
         resize(HEADER_SIZE);
         return false;
     }
-    // The list may have become shorter meanwhile, and entries of zeros would be the controller itself.
-    truncateTo(HEADER_SIZE + readBigEndian<std::uint32_t>(data().data()));
+    if (receivedLength() < HEADER_SIZE) {
+        logCutHeader(receivedLength());
+        resize(HEADER_SIZE);
+        return true;
+    }
+    // The list may have become shorter meanwhile, or was cut, and entries of zeros would be the controller
+    // itself.
+    truncateTo(std::min<std::size_t>(receivedLength(),
+                                     HEADER_SIZE + std::size_t{readBigEndian<std::uint32_t>(data().data())}));
     return true;
 }

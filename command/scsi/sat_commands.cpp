@@ -19,7 +19,11 @@ bool ATADataCommand::sendCommand(ATADevice& device, Interface::SysMod::Command::
     request.command = m_command;
     request.dataBuffer = m_data.data();
     request.dataLength = static_cast<std::uint32_t>(m_data.size());
-    return device.sendATACommand(request);
+    bool const sent = device.sendATACommand(request);
+    // There is no outcome: of a command that the drive refused the status tells, and nothing came.
+    bool const answered = sent && request.scsiStatus == 0;
+    m_received = answered ? std::min<std::size_t>(request.dataLength, m_data.size()) : 0;
+    return sent;
 }
 
 ATAReadLogExt::ATAReadLogExt(unsigned char log, unsigned char page, unsigned char sectors)

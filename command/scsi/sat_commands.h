@@ -19,20 +19,25 @@ class SCSIATAIdentifyDevice : public SCSIATAPassThrough {
     SCSIATAIdentifyDevice() : SCSIATAPassThrough(0x08, 0x0E, 0, 1, 0xEC, Direction::In, 512) {}
 };
 
-// READ LOG EXT, one block of a log's page, for drives behind a controller.
+// READ LOG EXT, one block of a log's page, for drives behind a controller. Past the reply cache, like LOG
+// SENSE.
 class SCSIATAReadLogExt : public SCSIATAPassThrough {
   public:
     SCSIATAReadLogExt(unsigned char log, unsigned char page)
         : SCSIATAPassThrough(0x09, 0x0E, 0, 1, 0x2F, Direction::In, 512) {
         setNumber(8, 1, log);
         setNumber(10, 1, page);
+        PassThrough(true);
     }
 };
 
 // A taskfile and its data.
 class ATADataCommand : public ATACommand {
   public:
+    // As many bytes as were asked for; zeros behind those that came.
     std::vector<unsigned char> const& data() const { return m_data; }
+    // How many bytes of the reply came; 0 when the drive refused the command.
+    std::size_t receivedLength() const { return m_received; }
 
   protected:
     ATADataCommand(unsigned char command, std::size_t dataSize) : m_command(command), m_data(dataSize) {}
@@ -46,6 +51,7 @@ class ATADataCommand : public ATACommand {
   private:
     unsigned char m_command;
     std::vector<unsigned char> m_data;
+    std::size_t m_received = 0;
 };
 
 class ATAIdentify : public ATADataCommand {

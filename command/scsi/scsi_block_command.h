@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <span>
 #include <vector>
 
 #include "command/scsi_command.h"
@@ -17,6 +18,10 @@ class ScsiBlockCommand : public ScsiCommand {
     Bytes const& data() const { return m_data; }
     // How many bytes of a reply came.
     std::size_t receivedLength() const { return m_received; }
+    // Those bytes: what a decoder may look at. A reply that was cut on its way has no zeros for values.
+    std::span<unsigned char const> received() const {
+        return {m_data.data(), std::min(m_received, m_data.size())};
+    }
 
   protected:
     using Direction = Interface::SysMod::Command::EnTransferType;

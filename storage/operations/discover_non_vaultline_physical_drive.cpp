@@ -71,8 +71,10 @@ class AtaIdentity {
         return Conversion::arrayToString<unsigned char>(bytes, sizeof bytes, "");
     }
     bool isSolidState() const { return word(217) == 1; }
-    /// Where the last word has its signature, all bytes add up to 0.
+    /// It isn't zeros, and where the last word has its signature, all bytes add up to 0.
     bool isWhole() const {
+        if (std::all_of(m_data.begin(), m_data.end(), [](unsigned char byte) { return byte == 0; }))
+            return false;
         constexpr unsigned char SIGNATURE = 0xA5;
         constexpr unsigned SIGNATURE_BYTE = 510;
         return m_data[SIGNATURE_BYTE] != SIGNATURE ||
@@ -128,32 +130,34 @@ void DiscoverNonVaultlinePhysicalDrive::ReadSASDeviceInfo(DevicePointer drive) {
     auto& device = dynamic_cast<NonVaultlinePhysicalDrive&>(*drive);
     ReportStandardInquiry inquiry;
     if (!inquiry(device)) return;
-    if (inquiry.vendorId() == ATA_VENDOR) {
-        ReadSATADeviceInfo(drive);
-        return;
-    }
+    bool const isAta = inquiry.vendorId() == ATA_VENDOR;
+    if (isAta && ReadSATADeviceInfo(drive)) return;
     VPDPage83 identification;
     if (identification(device)) device.SetUniqueID(identification.identifier());
     VPDPage80 serial;
     doPublish(*drive,
               {inquiry.vendorId(), inquiry.productId(),
                serial(device) ? serial.serialNumber() : Common::string(), inquiry.productRevision()},
-              Names::ATTR_VALUE_INTERFACE_SAS);
+              isAta ? Names::ATTR_VALUE_INTERFACE_SATA : Names::ATTR_VALUE_INTERFACE_SAS);
 }
 
-void DiscoverNonVaultlinePhysicalDrive::ReadSATADeviceInfo(DevicePointer drive) {
+bool DiscoverNonVaultlinePhysicalDrive::ReadSATADeviceInfo(DevicePointer drive) {
     auto& device = dynamic_cast<NonVaultlinePhysicalDrive&>(*drive);
     ATAIdentify identify;
-    if (!identify(device)) return;
+    if (!identify(device)) return false;
     AtaIdentity const identity(identify.data());
-    if (!identity.isWhole()) {
-        Common::DebugLogger::LogCommand("Identity of an ATA drive refused: the sum of its bytes isn't 0");
-        return;
+    if (identify.receivedLength() < identify.data().size() || !identity.isWhole()) {
+        Common::DebugLogger::LogCommand(
+            "Identity of ATA drive %s refused: %zu bytes came, %zu whose sum is 0 expected",
+            drive->getValueFor(Names::ATTR_NAME_WWID).c_str(), identify.receivedLength(),
+            identify.data().size());
+        return false;
     }
     device.SetUniqueID(identity.worldWideName());
     doPublish(
         *drive, {ATA_VENDOR, identity.text(27, 20), identity.text(10, 10), identity.text(23, 4)},
         identity.isSolidState() ? Names::ATTR_VALUE_INTERFACE_SATA_SSD : Names::ATTR_VALUE_INTERFACE_SATA);
+    return true;
 }
 
 }  // namespace Operations

@@ -22,7 +22,8 @@ class DiscoverNonVaultlinePhysicalDrive
   private:
     static void discover(Core::Device& parent, Common::string const& handle);
     static void ReadSASDeviceInfo(Common::shared_ptr<Core::Device> drive);
-    static void ReadSATADeviceInfo(Common::shared_ptr<Core::Device> drive);
+    /// False where the drive's identity doesn't come whole; nothing is published then.
+    static bool ReadSATADeviceInfo(Common::shared_ptr<Core::Device> drive);
 };
 
 }  // namespace Operations

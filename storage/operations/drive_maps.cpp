@@ -61,13 +61,20 @@ bool readDriveMaps(Core::Device& parent, BMICDevice& commands, DriveMaps& maps,
         identify.buffer().first(std::min<std::size_t>(identify.receivedLength(), identify.buffer().size()));
     PhysicalDriveMap nonDisk;
     nonDisk.InitializeDriveMap(PhysicalDriveMap::eNonDisk, reply);
+    PhysicalDriveMap present;
+    present.InitializeDriveMap(PhysicalDriveMap::ePresent, reply);
+    // Where one of the two was refused, nothing tells disks from tape drives behind it.
+    unsigned const known = std::min(present.size(), nonDisk.size());
+    present.limitTo(known);
+    nonDisk.limitTo(known);
     if (auto const* const cage = dynamic_cast<Schema::DriveCage const*>(&parent)) {
         maps.disks = cage->installedDriveList();
+        maps.disks.limitTo(known);
         maps.disks -= nonDisk;
         maps.others = onlyThoseOf(nonDisk, cage->installedDriveList());
         return true;
     }
-    maps.disks.InitializeDriveMap(PhysicalDriveMap::ePresent, reply);
+    maps.disks = present;
     maps.disks -= nonDisk;
     maps.others = nonDisk;
     // Without devices there is no need to ask where they are.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <span>
 #include <vector>
 
 #include "command/concrete_devices.h"
@@ -104,8 +105,8 @@ void publishWornOut(Core::Device& drive, bool isWornOut) {
                       : Names::ATTR_VALUE_EXINFO_HAS_SMART_TRIP_SSD_WEAROUT_FALSE);
 }
 
-void publishWearPage(Core::Device& drive, Bytes const& page) {
-    if ((page[0] & 0x3F) != WEAR_PAGE) return;
+void publishWearPage(Core::Device& drive, std::span<unsigned char const> page) {
+    if (page.empty() || (page[0] & 0x3F) != WEAR_PAGE) return;
     for (NumberRow const& row : WEAR_NUMBERS) {
         auto const number = logParameter(page, row.parameter);
         if (number && *number != row.unknown) publish(drive, row.attribute, decimalText(*number));
@@ -116,17 +117,19 @@ void publishWearPage(Core::Device& drive, Bytes const& page) {
         publish(drive, row.attribute, (*flags >> row.bit & 1) != 0 ? row.whenSet : row.whenClear);
 }
 
-/// The block in data() of the command that reads a page of a log; empty when it isn't answered.
+/// As much as came of a page of a log; empty when it isn't answered.
 Bytes readLog(Core::Device& drive, bool isBehindController, unsigned char log, unsigned char page,
               OperationReturn& result) {
     if (isBehindController) {
         SCSIATAReadLogExt command(log, page);
         DeviceCommandReturn::executeCommand(command, dynamic_cast<ConcreteSCSIDevice&>(drive), result);
-        return result ? command.data() : Bytes();
+        return result ? Bytes(command.received().begin(), command.received().end()) : Bytes();
     }
     ATAReadLogExt command(log, page);
     DeviceCommandReturn::executeCommand(command, dynamic_cast<ConcreteATADevice&>(drive), result);
-    return result ? command.data() : Bytes();
+    if (!result) return Bytes();
+    return Bytes(command.data().begin(),
+                 command.data().begin() + static_cast<std::ptrdiff_t>(command.receivedLength()));
 }
 
 bool isSata(Core::Device const& drive) {
@@ -174,11 +177,11 @@ OperationReturn ReadSSDInfo::PublishLogInfoSAS(DevicePointer drive) {
         addToList(list, page);
     publishOrClear(*drive, Names::ATTR_NAME_EXINFO_SUPPORTED_LOG_PAGE_LIST, list.toString());
     ReadWLLPage wear;
-    if (supported.supports(WEAR_PAGE) && wear(device)) publishWearPage(*drive, wear.data());
+    if (supported.supports(WEAR_PAGE) && wear(device)) publishWearPage(*drive, wear.received());
     if (!supported.supports(EXCEPTIONS_PAGE)) return result;
     ReadWLLSmartPageParam0 cause;
     if (cause(device)) {
-        auto const bytes = logParameterBytes(cause.data(), CAUSE_PARAMETER);
+        auto const bytes = logParameterBytes(cause.received(), CAUSE_PARAMETER);
         if (bytes.size() >= 2) {
             publishWornOut(*drive, bytes[0] == ASC_FAILURE_PREDICTED && bytes[1] == ASCQ_ENDURANCE_LIMIT_MET);
         }
@@ -186,7 +189,7 @@ OperationReturn ReadSSDInfo::PublishLogInfoSAS(DevicePointer drive) {
     if (drive->hasAttribute(Names::ATTR_NAME_EXINFO_SSD_UTILIZATION)) return result;
     ReadWLLSmartPageParam4 endurance;
     if (endurance(device)) {
-        auto const percent = logParameter(endurance.data(), ENDURANCE_PARAMETER);
+        auto const percent = logParameter(endurance.received(), ENDURANCE_PARAMETER);
         if (percent) publish(*drive, Names::ATTR_NAME_EXINFO_SSD_UTILIZATION, decimalText(*percent));
     }
     return result;
@@ -196,10 +199,11 @@ OperationReturn ReadSSDInfo::PublishLogInfoSATA(DevicePointer drive, bool isBehi
     OperationReturn result;
     Bytes const directory = readLog(*drive, isBehindController, LOG_DIRECTORY, 0, result);
     if (!result) return result;
-    // A taskfile has no outcome: what the drive refused comes back as zeros.
-    if (directory[0] != DIRECTORY_VERSION || directory[1] != 0) {
-        Common::DebugLogger::LogCommand("Log directory of a drive refused: version %u, %u expected",
-                                        directory[0] | static_cast<unsigned>(directory[1]) << 8,
+    // A taskfile has no outcome: what the drive refused comes back empty, or as zeros.
+    unsigned const version =
+        directory.size() < 2 ? 0 : directory[0] | static_cast<unsigned>(directory[1]) << 8;
+    if (version != DIRECTORY_VERSION) {
+        Common::DebugLogger::LogCommand("Log directory of a drive refused: version %u, %u expected", version,
                                         static_cast<unsigned>(DIRECTORY_VERSION));
         return OperationReturn(Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE);
     }

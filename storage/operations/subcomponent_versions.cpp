@@ -68,15 +68,17 @@ std::size_t wordAt(Bytes page, std::size_t at) {
     return at + 2 <= page.size() ? static_cast<std::size_t>(page[at] << 8 | page[at + 1]) : 0;
 }
 
-/// As much of a page as it says that it has, or as was read.
+/// As much of a page as it says that it has, or as came.
 Bytes wholePage(Bytes data, unsigned char code) {
     if (data.size() < DESCRIPTORS || data[0] != code) return {};
     return data.first(std::min(data.size(), PAGE_LENGTH_FROM + wordAt(data, PAGE_LENGTH)));
 }
 
+/// Empty where the text doesn't lie within the page: half a version would pass for an older one.
 Common::string textAt(Bytes data, std::size_t at, std::size_t size) {
     Common::string text;
-    for (std::size_t i = at; i < at + size && i < data.size() && data[i] != 0; ++i) {
+    if (at + size > data.size()) return text;
+    for (std::size_t i = at; i < at + size && data[i] != 0; ++i) {
         char const character[] = {static_cast<char>(data[i]), '\0'};
         text += character;
     }
@@ -109,7 +111,10 @@ std::vector<Common::string> elementTexts(Bytes page, std::vector<unsigned> const
         for (unsigned element = 0; element <= count; ++element) {
             if (at + DESCRIPTOR_HEAD > page.size()) return texts;
             std::size_t const length = wordAt(page, at + 2);
-            if (element != 0) texts.push_back(textAt(page, at + DESCRIPTOR_HEAD, length));
+            std::size_t const there = std::min(length, page.size() - at - DESCRIPTOR_HEAD);
+            // In a page that came whole the length is wrong, and its text ends with the page.
+            if (there < length && PAGE_LENGTH_FROM + wordAt(page, PAGE_LENGTH) > page.size()) return texts;
+            if (element != 0) texts.push_back(textAt(page, at + DESCRIPTOR_HEAD, there));
             at += DESCRIPTOR_HEAD + length;
         }
     }
@@ -128,7 +133,8 @@ void publishBlock(Core::Device& sep, SCSIDevice& device) {
     if (!readPast(block, device)) return;
     std::size_t at = BLOCK_HEAD;
     for (char const* const part : BLOCK_PARTS) {
-        publish(sep, part, textAt(block.data(), at, BLOCK_TEXT));
+        if (at + BLOCK_TEXT > block.received().size()) return;
+        publish(sep, part, textAt(block.received(), at, BLOCK_TEXT));
         at += BLOCK_TEXT;
     }
 }
@@ -136,7 +142,8 @@ void publishBlock(Core::Device& sep, SCSIDevice& device) {
 void publishSepRevision(Core::Device& sep, SCSIDevice& device) {
     ReadEnclosureConfigurationDiagnosticPage page;
     if (!readPast(page, device)) return;
-    Common::string const revision = textAt(wholePage(page.data(), 1), DESCRIPTORS + REVISION, REVISION_SIZE);
+    Common::string const revision =
+        textAt(wholePage(page.received(), 1), DESCRIPTORS + REVISION, REVISION_SIZE);
     if (!revision.empty()) publish(sep, Names::ATTR_NAME_SEP_VERSION, "(1) " + revision);
 }
 
@@ -144,8 +151,8 @@ void publishDescriptors(Core::Device& sep, SCSIDevice& device) {
     ReadEnclosureConfigurationDiagnosticPage configuration;
     ReadEnclosureSubcomponentVersions2 descriptors;
     if (!readPast(configuration, device) || !readPast(descriptors, device)) return;
-    auto const texts =
-        elementTexts(wholePage(descriptors.data(), 7), elementCounts(wholePage(configuration.data(), 1)));
+    auto const texts = elementTexts(wholePage(descriptors.received(), 7),
+                                    elementCounts(wholePage(configuration.received(), 1)));
     std::size_t number = 0;
     for (char const* const part : ELEMENT_PARTS) {
         if (number == texts.size()) return;

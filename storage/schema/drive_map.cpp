@@ -77,6 +77,11 @@ void DriveMap::set(unsigned number) {
     m_bits.set(number);
 }
 
+void DriveMap::limitTo(unsigned devices) {
+    for (; m_size > devices; --m_size)
+        m_bits.reset(m_size - 1);
+}
+
 DriveMap::NumberList DriveMap::numbers() const {
     NumberList numbers;
     for (unsigned number = 0; number < m_size; ++number) {

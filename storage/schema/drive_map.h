@@ -34,6 +34,8 @@ class DriveMap {
     bool test(unsigned number) const { return number < m_size && m_bits.test(number); }
     void set(unsigned number);
     void reset(unsigned number) { m_bits.reset(number); }
+    /// Forgets the numbers from `devices` on, and refuses them from here on.
+    void limitTo(unsigned devices);
     unsigned count() const { return m_bits.count(); }
     bool any() const { return m_bits.any(); }
     /// All numbers of the set, ascending.

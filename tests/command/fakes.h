@@ -39,7 +39,8 @@ struct Answer {
     unsigned commandStatus = 0;
     unsigned scsiStatus = 0;
     Bytes sense = {};
-    Bytes data = {};  // put at the start of the buffer, as much as it takes
+    Bytes data = {};    // put at the start of the buffer, as much as it takes
+    int received = -1;  // bytes that the transport tells of; -1: the whole buffer
 
     template <class Request>
     bool to(Request& request) const {
@@ -48,6 +49,7 @@ struct Answer {
         request.scsiStatus = static_cast<std::uint8_t>(scsiStatus);
         copyInto(request.senseBuffer, request.senseLength, sense);
         copyInto(request.dataBuffer, request.dataLength, data);
+        if (received >= 0) request.dataLength = static_cast<std::uint32_t>(received);
         return sent;
     }
 };

@@ -147,6 +147,13 @@ TEST(ScsiCommands, ReadWhatRepliesTell) {
     ASSERT_TRUE(pages(device));
     EXPECT_EQ(pages.pages().size(), 256U);
     EXPECT_TRUE(pages.supports(0x11));
+    device.script = {{.data = {0, 0, 0, 4, 0x0D, 0x11}, .received = 5}};
+    ASSERT_TRUE(pages(device));
+    EXPECT_EQ(pages.pages(), (Bytes{0x0D}));
+
+    device.script = {{.data = {0, 0x80, 0, 4, 'S', 'N'}, .received = 6}};
+    ASSERT_TRUE(serial(device));
+    EXPECT_STREQ(serial.serialNumber().c_str(), "");
 }
 
 /// Designators in front of the right one: of a port, of another type. None may be followed out of the page.
@@ -154,9 +161,11 @@ TEST(ScsiCommands, FindTheIdentifierOfTheUnit) {
     struct Row {
         Bytes page;
         char const* identifier;
+        int received = -1;
     };
     Row const rows[] = {
         {{0, 0x83, 0, 8, 1, 3, 0, 4, 0x50, 1, 2, 0xAB}, "500102AB"},
+        {{0, 0x83, 0, 8, 1, 3, 0, 4, 0x50, 1}, "", 10},
         {{0, 0x83, 0, 15, 1, 0x13, 0, 2, 9, 9, 2, 1, 0, 1, 'T', 1, 3, 0, 1, 0x5F}, ""},
         {{0, 0x83, 0, 16, 1, 0x13, 0, 2, 9, 9, 2, 1, 0, 1, 'T', 1, 3, 0, 1, 0x5F}, "5F"},
         {{0, 0x83, 0, 0, 1, 3, 0, 1, 0x5F}, ""},
@@ -165,7 +174,7 @@ TEST(ScsiCommands, FindTheIdentifierOfTheUnit) {
         {{}, ""},
     };
     for (Row const& row : rows) {
-        RecordingDevice device({{.data = row.page}});
+        RecordingDevice device({{.data = row.page, .received = row.received}});
         VPDPage83 page;
         ASSERT_TRUE(page(device));
         EXPECT_STREQ(page.identifier().c_str(), row.identifier) << hex(row.page.data(), row.page.size());
@@ -190,6 +199,8 @@ TEST(ScsiCommands, AskTwiceWhereTheLengthIsToldFirst) {
         {{refused}, {first}, 0, false},
         {{{.data = entries}, refused}, {first, second}, 0, false},
         {{{.data = {0xFF, 0xFF, 0xFF, 0xFF}}}, {first, "c30200000000000200080000 in 131080"}, 4096, true},
+        {{{.data = entries, .received = 7}}, {first}, 0, true},
+        {{{.data = entries}, {.data = entries, .received = 39}}, {first, second}, 0, true},
         // Between the two passes the list became empty.
         {{{.data = entries}, Answer{}}, {first, second}, 0, true},
     };

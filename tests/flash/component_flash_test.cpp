@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <numeric>
@@ -43,7 +45,9 @@ class Components : public Answers {
     using Answers::Answers;
 
     std::vector<Taken> taken;
-    std::size_t failing = 0;  ///< from 1: the one that fails
+    std::size_t failing = 0;             ///< from 1: the one that fails
+    std::vector<std::size_t> attention;  ///< from 1: those that meet a unit attention
+    std::vector<std::size_t> lost;       ///< from 1: those that don't reach the controller
     std::map<unsigned, Bytes> memories;
 
     int ioctl(int descriptor, unsigned long number, void* record) override {
@@ -53,8 +57,19 @@ class Components : public Answers {
         if (simulator::decodeRecord(request, record, command, reason) != 0 || !isMine(command.block))
             return Answers::ioctl(descriptor, number, record);
         taken.push_back({hex(command.block), command.dataOut});
+        auto const isOneOf = [this](std::vector<std::size_t> const& numbers) {
+            return std::find(numbers.begin(), numbers.end(), taken.size()) != numbers.end();
+        };
+        if (isOneOf(lost)) {
+            errno = EIO;
+            return -1;
+        }
         simulator::Reply reply;
-        if (taken.size() == failing) {
+        if (isOneOf(attention)) {
+            reply.commandStatus = 1;
+            reply.scsiStatus = 2;
+            reply.sense = {6, 0x29, 0};
+        } else if (taken.size() == failing) {
             reply.commandStatus = 1;
             reply.scsiStatus = 2;
             reply.sense = {5, 0x26, 0};
@@ -236,6 +251,30 @@ TEST_F(ComponentFlash, ReadsAMemoryIntoAFile) {
     EXPECT_TRUE(components->memories[80] == written);
     EXPECT_EQ(SUCCESS, status(read(testing::TempDir() + "no/such/folder/nvram")));
     std::filesystem::remove(path);
+    EXPECT_EQ("ATTR_VALUE_STATUS_FAILURE", status(read("/dev/full")));
+    EXPECT_TRUE(std::filesystem::exists("/dev/full"));
+    std::filesystem::create_symlink("/dev/full", path);
+    EXPECT_EQ("ATTR_VALUE_STATUS_FAILURE", status(read(path)));
+    EXPECT_TRUE(std::filesystem::is_symlink(path)) << "it isn't ours to remove";
+    std::filesystem::remove(path);
+}
+
+/// A controller that needs a moment, and a command that got lost, hide no memory.
+TEST_F(ComponentFlash, FindsTheMemoriesThatAnswer) {
+    components->memories = {{3, Bytes(256)}, {80, Bytes(256)}, {200, Bytes(256)}};
+    struct Row {
+        std::vector<std::size_t> attention;
+        std::vector<std::size_t> lost;
+        std::vector<std::uint8_t> found;
+    };
+    Row const rows[] = {{{}, {}, {3, 80, 200}},     {{4}, {}, {3, 80, 200}}, {{4, 5}, {}, {3, 80, 200}},
+                        {{4, 5, 6}, {}, {80, 200}}, {{}, {81}, {3, 200}},    {{}, {100, 101}, {3, 80}}};
+    for (Row const& row : rows) {
+        components->taken.clear();
+        components->attention = row.attention;
+        components->lost = row.lost;
+        EXPECT_EQ(row.found, Operations::answeringI2CIdentities(only()));
+    }
 }
 
 TEST_F(ComponentFlash, SendsNothingWithoutGoodArguments) {
@@ -244,6 +283,10 @@ TEST_F(ComponentFlash, SendsNothingWithoutGoodArguments) {
     std::pair<char const*, std::string> const identity{"ATTR_NAME_BMIC_I2C_ID", "80"};
     std::pair<char const*, std::string> const file{"ATTR_NAME_OUTPUT_FILE_NAME", "/dev/null"};
     std::pair<char const*, std::string> const noAddress{"ATTR_NAME_BUFFER_ADDRESS", "0"};
+    std::pair<char const*, std::string> const cutAddress{"ATTR_NAME_BUFFER_ADDRESS", address().second + "x"};
+    auto const sizeText = [](char const* text) {
+        return std::pair<char const*, std::string>{"ATTR_NAME_BUFFER_SIZE", text};
+    };
     auto const memoryOf = [&](char const* number) {
         return performOn<Operations::WriteFlashNVRAM>(
             box, {address(), size(9), {"ATTR_NAME_BMIC_I2C_ID", number}});
@@ -279,6 +322,14 @@ TEST_F(ComponentFlash, SendsNothingWithoutGoodArguments) {
         {memoryOf("256"), INVALID, "BMIC_I2C_ID"},
         {memoryOf("one"), INVALID, "BMIC_I2C_ID"},
         {memoryOf("-1"), INVALID, "BMIC_I2C_ID"},
+        {memoryOf("80x"), INVALID, "BMIC_I2C_ID"},
+        {memoryOf("18446744073709551617"), INVALID, "BMIC_I2C_ID"},
+        {performOn<WriteFlashFBWC>(box, {address(), sizeText("80x")}), INVALID, "BUFFER_SIZE"},
+        {performOn<WriteFlashFBWC>(box, {address(), sizeText("18446744073709551617")}), INVALID,
+         "BUFFER_SIZE"},
+        {performOn<WriteFlashFBWC>(box, {address(), sizeText("abc")}), INVALID, "BUFFER_SIZE"},
+        {performOn<WriteFlashFBWC>(box, {address(), sizeText("1 62")}), INVALID, "BUFFER_SIZE"},
+        {performOn<WriteFlashFBWC>(box, {cutAddress, size(9)}), INVALID, "BUFFER_ADDRESS"},
         {performOn<Operations::ReadNVRAM>(box, {identity}), MISSING, "OUTPUT_FILE_NAME"},
         {performOn<Operations::ReadNVRAM>(box, {file}), MISSING, "BMIC_I2C_ID"},
     };

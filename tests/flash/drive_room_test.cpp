@@ -8,9 +8,12 @@
 #include "flash/component_operations.h"
 #include "flash/nvram.h"
 #include "storage/operations/discover_non_vaultline_physical_drive.h"
+#include "storage/operations/discover_physical_drive.h"
 #include "storage/operations/discover_storage_enclosure.h"
 #include "storage/operations/read_ssd_info.h"
+#include "storage/schema/array_controller.h"
 #include "tests/flash/flash_fixture.h"
+#include "tests/storage/answers.h"
 
 namespace flash_test {
 namespace {
@@ -149,6 +152,72 @@ TEST_F(DriveRoom, TakesWhatTheFlashOperationsWrite) {
     std::filesystem::remove(path);
 }
 
+/// Of an address the cache's key has the first byte alone, which many drives share.
+TEST_F(DriveRoom, TellsTheWearOfEachDriveWithTheReplyCacheOn) {
+    struct CacheOn {
+        CacheOn() {
+            SetCommandCacheState(true);
+            SetDefaultCacheFlag(true);
+        }
+        ~CacheOn() {
+            SetCommandCacheState(false);
+            ClearModRootCache();
+        }
+    } const cacheOn;
+    discover(oneController(json::parse(R"({"drives": [
+        {"name": "a", "address": "0000004000000001", "interface": "sas_ssd", "wear": {"percent": 7, "power_cycles": 33}},
+        {"name": "b", "address": "0000004000000002", "interface": "sas_ssd", "wear": {"percent": 100, "power_cycles": 44}},
+        {"name": "c", "address": "0000004000000003", "interface": "sata_ssd", "wear": {"percent": 8, "power_cycles": 55}},
+        {"name": "d", "address": "0000004000000004", "interface": "sata_ssd", "wear": {"percent": 9, "power_cycles": 66}}]})")));
+    ASSERT_TRUE(GetCacheHasContentsForDevice(dynamic_cast<Schema::ArrayController&>(only()).handle()));
+    for (auto const& [number, wear] :
+         {std::pair{"0", "7 33"}, {"1", "100 44"}, {"2", "8 55"}, {"3", "9 66"}}) {
+        EXPECT_TRUE(drive(number)->perform(OperationPointer(new Operations::ReadSSDInfo)));
+        EXPECT_EQ(wear, attribute(*drive(number), "ATTR_NAME_EXINFO_SSD_UTILIZATION") + " " +
+                            attribute(*drive(number), "ATTR_NAME_EXINFO_POWER_CYCLES"));
+    }
+}
+
+/// Controllers with the oldest maps name a drive by its number, all others by its place behind 128.
+TEST_F(DriveRoom, AsksForADriveByTheIndexThatTheControllersMapsHave) {
+    for (auto const& [limit, block] :
+         {std::pair{32, "26000500000015080000 in 2048"}, {33, "26008500000015080000 in 2048"}}) {
+        json machineOf = oneController(json::parse(R"({"drives": [{"name": "five", "index": 5}]})"));
+        machineOf["devices"][0]["identify"]["wMaximumPhysicalDevicesSupported"] = limit;
+        discover(machineOf);
+        EXPECT_EQ(1U, sent("00000015080000 in 2048")) << limit;
+        EXPECT_EQ(1U, sent(block)) << limit;
+    }
+}
+
+/// On the controller's handle the firmware of a drive without a handle would go to the controller.
+TEST_F(DriveRoom, SendsNothingToADriveThatTheListOfDevicesDoesNotHave) {
+    discover(oneController(json::parse(R"({"drives": [{"name": "listed"}]})")));
+    auto const answers = std::make_unique<Answers>(*door);
+    Bytes identify(512);
+    put(identify, 5, "6.40");
+    identify[54] = 0x01;
+    identify[156] = 128;
+    identify[197] = 2;
+    answers->management[{0x11, 0, 0}] = identify;
+    EXPECT_TRUE(only().perform(OperationPointer(new Operations::DiscoverPhysicalDrive)));
+    DevicePointer const unlisted = drive("0");
+    std::size_t const before = journalSize();
+    for (char const* type : {"SCSI_WRITE_BUFFER", "ATA_PASSTHRU_DOWNLOAD_MICROCODE"}) {
+        OperationPointer const flash(new Operations::WriteFlashPhysicalDrive);
+        Bytes const image(512, 0xA5);
+        flash->SetArgument(Core::DeviceOperation::eSET, "ATTR_NAME_BUFFER_ADDRESS",
+                           std::to_string(reinterpret_cast<std::uintptr_t>(image.data())).c_str());
+        flash->SetArgument(Core::DeviceOperation::eSET, "ATTR_NAME_BUFFER_SIZE", "512");
+        flash->SetArgument(Core::DeviceOperation::eSET, "ATTR_NAME_FLASH_TYPE",
+                           (std::string("ATTR_VALUE_FLASH_TYPE_") + type).c_str());
+        auto const result = unlisted->perform(flash);
+        EXPECT_FALSE(result) << type;
+        EXPECT_EQ("2", attribute(result, "ATTR_NAME_LOW_LEVEL_STATUS")) << type << ": there is no such node";
+    }
+    EXPECT_EQ(before, journalSize());
+}
+
 TEST_F(DriveRoom, HasDrivesBehindPlainAdapters) {
     discover(json::parse(R"({"devices": [{"name": "hba", "kind": "csmi_adapter",
         "pci": {"address": "0000:05:00.0", "driver": "mpt2sas"},
@@ -200,6 +269,31 @@ TEST_F(DriveRoom, HasDrivesBehindPlainAdapters) {
     ASSERT_EQ(1U, boxes.size());
     EXPECT_TRUE(boxes[0]->perform(OperationPointer(new DiscoverNonVaultlinePhysicalDrive)));
     EXPECT_EQ(2U, below(*boxes[0], "NON_VAULTLINE_PHYSICAL_DRIVE").size());
+}
+
+/// Half an identity, or none, isn't published: what INQUIRY tells is.
+TEST_F(DriveRoom, TellsOfAnAtaDriveWithoutAnIdentityWhatInquiryTells) {
+    for (char const* action : {R"({"scsi_status": 2, "sense": [11, 0, 0]})", R"({"truncate": 50})", ""}) {
+        SCOPED_TRACE(action);
+        discover(json::parse(R"({"devices": [{"name": "hba", "kind": "csmi_adapter",
+            "pci": {"address": "0000:05:00.0", "driver": "mpt2sas"},
+            "phys": [{"kind": "drive", "sas_address": "51E5C0A000000121", "interface": "sata_ssd",
+                      "vendor": "ATA", "product": "MB4000SATA", "revision": "HPG20001", "serial": "SN-2"}]}]})"));
+        bool const whole = *action == '\0';
+        if (!whole)
+            addFault((std::string(R"({"match": {"command": "0x85"}, "action": )") + action + "}").c_str());
+        Core::Device& adapter = *children("ATTR_VALUE_TYPE_HBA").at(0);
+        EXPECT_TRUE(adapter.perform(OperationPointer(new Operations::DiscoverNonVaultlinePhysicalDrive)));
+        auto const drives = below(adapter, "NON_VAULTLINE_PHYSICAL_DRIVE");
+        ASSERT_EQ(1U, drives.size());
+        for (auto const& [name, value] : {std::pair{"ATTR_NAME_DRIVE_MODEL", "MB4000SATA"},
+                                          {"ATTR_NAME_SERIAL_NUMBER", "SN-2"},
+                                          {"ATTR_NAME_FIRMWARE_REVISION", whole ? "HPG20001" : "0001"},
+                                          {"ATTR_NAME_INTERFACE", whole ? "ATTR_VALUE_INTERFACE_SATA_SSD"
+                                                                        : "ATTR_VALUE_INTERFACE_SATA"}}) {
+            EXPECT_EQ(value, attribute(*drives[0], name)) << name;
+        }
+    }
 }
 
 }  // namespace

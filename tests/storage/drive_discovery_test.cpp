@@ -184,6 +184,28 @@ TEST_F(Drives, OfAMapThatDoesNotLieWithinTheReplyAreTheFirst128) {
     }
 }
 
+/// A tape drive must not become a disk because the map that tells so, or the other one, is out of reach.
+TEST_F(Drives, OfMapsOfWhichOneIsRefusedAreTheFirst128) {
+    struct Row {
+        std::size_t spoiled;  ///< member with an offset behind the reply
+        Numbers disks;
+        Numbers tapes;
+    };
+    for (Row const& row : {Row{0, {3, 200}, {5, 130}}, {166, {3}, {5}}, {162, {3}, {5}}}) {
+        SCOPED_TRACE(row.spoiled);
+        Bytes record = identify({3, 5, 130, 200}, {5, 130}, 256);
+        putMap(record, 54, {3, 5});
+        putMap(record, 86, {5});
+        if (row.spoiled != 0) putNumber(record, row.spoiled, 2, 0xFFF0);
+        controllerThatTells(record);
+        for (unsigned const tape : {5U, 130U})
+            answers->addUnit(tape, 1);
+        discover();
+        EXPECT_EQ(row.disks, numbersBelow(only()));
+        EXPECT_EQ(row.tapes, numbersBelow(only(), "TAPE_DRIVE"));
+    }
+}
+
 TEST_F(Drives, BelongToTheirCageAndTapesAreNoDisks) {
     Bytes record = identify({1, 2, 3, 4, 9, 10}, {4, 6, 9, 10});
     record[168] = 0x01;  // bus 0, target 0

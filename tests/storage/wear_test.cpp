@@ -162,6 +162,30 @@ TEST_F(Wear, OfASasDriveStandsInItsLogPages) {
     expectWear(behindController, {{"SUPPORTED_LOG_PAGE_LIST", ABSENT}});
 }
 
+/// Zeros in the place of what didn't come would be values.
+TEST_F(Wear, OfACutPageIsWhatCameWhole) {
+    reply(0x4D00) = page(0, {0x2F, 0x36});
+    reply(0x4D76) = wearPage(0x05);
+    reply(0x4D76).resize(18);  // within the hours
+    reply(0x4D6F) = page(0x2F, {0, 0, 3, 4, 0x5D, 0x73, 35, 0});
+    reply(0x4D6F).resize(9);
+    for (DevicePointer const& drive : {behindController, behindAdapter}) {
+        EXPECT_TRUE(read(drive));
+        expectWear(
+            drive,
+            {{"SSD_UTILIZATION", "7"}, {"POWER_ON_HOURS", ABSENT}, {"HAS_SMART_TRIP_SSD_WEAROUT", ABSENT}});
+        reply(0x850000) = Bytes(512);
+        reply(0x850000)[0] = 1;
+        reply(0x850000)[2 * 4] = 8;
+        reply(0x850407) = Bytes{0, 0, 7, 0, 0, 0, 0, 0, 99, 0, 0, 0, 0, 0, 0};
+        become(drive, "SATA_SSD");
+        EXPECT_TRUE(read(drive));
+        expectWear(drive, {{"SSD_UTILIZATION", ABSENT}, {"HAS_SMART_TRIP_SSD_WEAROUT", ABSENT}});
+        reply(0x850000).resize(1);
+        EXPECT_FALSE(read(drive));
+    }
+}
+
 TEST_F(Wear, OfASataDriveStandsInItsStatistics) {
     reply(0x850000) = Bytes(512);
     reply(0x850000)[0] = 1;
