@@ -33,10 +33,10 @@ constexpr FaultKind KINDS[] = {
 constexpr char EVERY_CONTROLLER[] =
     "<ksl_package><sw_keys><sw_keys_and><sw_key name=\"33\"/></sw_keys_and></sw_keys></ksl_package>";
 
-/// A sanitized program takes ten times as long: there each kind of fault takes every fourth exchange, from
+/// A sanitized program takes ten times as long: there each kind of fault takes every eighth exchange, from
 /// another one on, and the optimised build takes all.
 #ifdef __SANITIZE_ADDRESS__
-constexpr std::size_t STEP = 4;
+constexpr std::size_t STEP = 8;
 #else
 constexpr std::size_t STEP = 1;
 #endif
@@ -159,7 +159,7 @@ INSTANTIATE_TEST_SUITE_P(EveryExchange, FaultSweep,
 /// a sample, and KSL_SWEEP_STEP=1 goes through all of them by hand.
 std::size_t sweepStep() {
     char const* const text = std::getenv("KSL_SWEEP_STEP");
-    int const step = text != nullptr ? std::atoi(text) : 24 * static_cast<int>(STEP);
+    int const step = text != nullptr ? std::atoi(text) : 48 * static_cast<int>(STEP);
     return static_cast<std::size_t>(std::max(step, 1));
 }
 
