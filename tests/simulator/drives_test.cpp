@@ -328,7 +328,7 @@ TEST_F(Drives, AreMadeByCount) {
                            Row{1024, 512 + 384, 1024}}) {
         json all = twoControllers();
         all["devices"][0]["drives"] = {{"count", row.count}, {"role", "data"}, {"serial", "SN"}};
-        all["devices"][0]["logical_drives"] = {json::object()};
+        all["devices"][0]["logical_drives"] = json::array({json::object()});
         make(all);
         Reply const reply = send(ONE, sense(IDENTIFY, 2048));
         ASSERT_EQ(row.length, reply.data.size());
