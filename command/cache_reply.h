@@ -8,9 +8,6 @@
 #include "command/cache.h"
 #include "command/cache_state.h"
 
-// A command status that counts as success: the reply was longer than the buffer.
-inline constexpr unsigned short DATA_OVERRUN = 3;
-
 // A reply serves a request that wants no more data than it holds and exactly as much sense.
 template <class Request>
 bool canServe(SCSI_READ_CACHE const& reply, Request const& request) {
@@ -33,7 +30,7 @@ void serve(SCSI_READ_CACHE const& reply, Request& request) {
     }
     request.dataLength = std::min(request.dataLength, reply.received);
     request.scsiStatus = whole ? reply.scsiStatus : 0;
-    request.commandStatus = whole ? reply.commandStatus : DATA_OVERRUN;
+    request.commandStatus = whole ? reply.commandStatus : Interface::SysMod::Command::DATA_OVERRUN;
 }
 
 // Takes the reply out of a request that came back. The lengths are those that the request was sent with: a

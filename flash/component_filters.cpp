@@ -9,6 +9,7 @@
 #include "flash/nvram.h"
 #include "flash/vocabulary.h"
 #include "storage/operations/storage_system_finder.h"
+#include "storage/schema/drives.h"
 #include "storage/vocabulary/array_controller.h"
 #include "storage/vocabulary/physical_drive.h"
 #include "storage/vocabulary/results.h"
@@ -40,9 +41,6 @@ constexpr NvramFamilyRow NVRAM_FAMILIES[] = {
     {Controller::ATTR_VALUE_CONTROLLER_FIRMWARE_FAMILY_BIRCH, 0},
 };
 
-constexpr char const* SATA_INTERFACES[] = {Drive::ATTR_VALUE_INTERFACE_SATA,
-                                           Drive::ATTR_VALUE_INTERFACE_SATA_SSD};
-
 bool isComponentFamily(DevicePointer const& controller) {
     return controller &&
            controller->hasAttributeAndIs(Interface::TOLKMod::Device::ATTR_NAME_TYPE,
@@ -69,18 +67,12 @@ constexpr ModeRow OTHER_MODES[] = {
 
 }  // namespace
 
-bool isSata(Core::Device const& drive) {
-    return std::any_of(std::begin(SATA_INTERFACES), std::end(SATA_INTERFACES), [&](char const* sata) {
-        return drive.hasAttributeAndIs(Drive::ATTR_NAME_INTERFACE, sata);
-    });
-}
-
 Core::FilterReturn FilterDriveFlash::applyImpl(DevicePointer device) const {
     Core::FilterReturn verdict;
     auto const supports = [&](ModeRow const& mode) {
         return device->hasAttributeAndIs(mode.attribute, mode.supported);
     };
-    if (!isSata(*device) && !supports(OFFSETS) &&
+    if (!Schema::isSata(*device) && !supports(OFFSETS) &&
         std::any_of(std::begin(OTHER_MODES), std::end(OTHER_MODES), supports)) {
         verdict = Reasons::ATTR_VALUE_UNAVAILABLE_REASON_OPERATION_NOT_SUPPORTED;
     }

@@ -5,9 +5,6 @@
 
 namespace Operations {
 
-/// Whether a drive's interface is ATTR_VALUE_INTERFACE_SATA or _SATA_SSD.
-bool isSata(Core::Device const& drive);
-
 /// Refuses a drive that tells how it takes firmware and doesn't take it in pieces with offsets. SATA drives
 /// are flashed another way, and drives of which nothing is told get the chance.
 class FilterDriveFlash : public Core::Filter {

@@ -64,7 +64,7 @@ OperationReturn WriteFlashPhysicalDrive::visit(Schema::PhysicalDrive& drive) {
 
 Common::shared_ptr<Core::Capability> WriteFlashPhysicalDrive::getCapabilityPtr(DevicePointer device) {
     Common::shared_ptr<Core::Capability> const root = withFile(Drive::ATTR_NAME_FIRMWARE_FILE_NAME);
-    char const* const type = device && isSata(*device)
+    char const* const type = device && Schema::isSata(*device)
                                  ? Drive::ATTR_VALUE_FLASH_TYPE_ATA_PASSTHRU_DOWNLOAD_MICROCODE
                                  : Drive::ATTR_VALUE_FLASH_TYPE_SCSI_WRITE_BUFFER;
     root->Subscribe(choiceCapability(Drive::ATTR_NAME_FLASH_TYPE, {type}, type, nullptr));

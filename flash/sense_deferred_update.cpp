@@ -8,6 +8,7 @@
 #include "common/debug_logger.h"
 #include "core/device.h"
 #include "core/tolkmod.h"
+#include "flash/image_arguments.h"
 #include "flash/vocabulary_enclosure.h"
 #include "storage/schema/drives.h"
 #include "storage/vocabulary/array_controller.h"
@@ -69,12 +70,8 @@ Core::FilterReturn FilterDeferredUpdate::applyImpl(Common::shared_ptr<Core::Devi
 
 Core::OperationReturn SenseDeferredUpdate::visit(Schema::PhysicalDrive& drive) {
     Core::OperationReturn result;
-    for (char const* name : {Arguments::ATTR_NAME_BUFFER_ADDRESS, Arguments::ATTR_NAME_BUFFER_SIZE}) {
-        if (!hasArgument(name)) {
-            DeviceCommandReturn::ArgumentProblem(Results::ATTR_VALUE_STATUS_ARGUMENT_MISSING, name, result);
-        }
-    }
-    if (!result) {
+    if (!demandArguments(*this, {Arguments::ATTR_NAME_BUFFER_ADDRESS, Arguments::ATTR_NAME_BUFFER_SIZE},
+                         result)) {
         return result;
     }
     auto const address =

@@ -8,6 +8,7 @@
 #include "core/tolkmod.h"
 #include "flash/controller_filters.h"
 #include "flash/controller_operations.h"
+#include "flash/image_arguments.h"
 #include "flash/progress.h"
 #include "flash/vocabulary.h"
 #include "storage/schema/array_controller.h"
@@ -74,11 +75,6 @@ void activate(Schema::ArrayController& controller, bool withoutDowntime, Operati
     DeviceCommandReturn::executeCommand(command, controller, result);
 }
 
-Common::shared_ptr<Core::Capability> argumentClass(char const* name, char const* type, char const* range) {
-    return Common::shared_ptr<Core::Capability>(new Core::CapabilityClass(
-        name, type, Cap::ATTR_VALUE_CARDINALITY_SINGLE, Cap::ATTR_VALUE_ACTION_ABSOLUTE, range));
-}
-
 bool canUpdateWithoutDowntime(Core::Device const& device) {
     return device.hasAttributeAndIs(Controller::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY,
                                     Controller::ATTR_VALUE_CONTROLLER_FIRMWARE_FAMILY_QBX_HARRIER) &&
@@ -126,12 +122,11 @@ OperationReturn WriteFlashArrayControllerFirmware::visit(Schema::ArrayController
 Common::shared_ptr<Core::Capability> WriteFlashArrayControllerFirmware::getCapabilityPtr(
     Common::shared_ptr<Core::Device> device) {
     Common::shared_ptr<Core::Capability> const root(new Core::Capability);
-    root->Subscribe(argumentClass(Names::ATTR_NAME_FIRMWARE_FILE_NAME, Cap::ATTR_VALUE_INSTANCE_TYPE_FILE,
-                                  Cap::ATTR_VALUE_INSTANCE_RANGE_OPEN));
+    root->Subscribe(fileCapability(Names::ATTR_NAME_FIRMWARE_FILE_NAME));
     if (device && canUpdateWithoutDowntime(*device)) {
-        Common::shared_ptr<Core::Capability> const withoutDowntime =
-            argumentClass(Names::ATTR_NAME_TOFU, Cap::ATTR_VALUE_INSTANCE_TYPE_STRING,
-                          Cap::ATTR_VALUE_INSTANCE_RANGE_CLOSED);
+        Common::shared_ptr<Core::Capability> const withoutDowntime(new Core::CapabilityClass(
+            Names::ATTR_NAME_TOFU, Cap::ATTR_VALUE_INSTANCE_TYPE_STRING, Cap::ATTR_VALUE_CARDINALITY_SINGLE,
+            Cap::ATTR_VALUE_ACTION_ABSOLUTE, Cap::ATTR_VALUE_INSTANCE_RANGE_CLOSED));
         for (char const* value : {Names::ATTR_VALUE_TOFU_ENABLE, Names::ATTR_VALUE_TOFU_DISABLE}) {
             withoutDowntime->Subscribe(
                 Common::shared_ptr<Core::Capability>(new Core::CapabilityInstance(value, false, false)));

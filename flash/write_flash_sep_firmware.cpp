@@ -5,6 +5,7 @@
 #include "common/debug_logger.h"
 #include "common/sleep.h"
 #include "core/tolkmod.h"
+#include "flash/image_arguments.h"
 #include "flash/mode_ef_sep_flash_threadable.h"
 #include "flash/sep_flash_run.h"
 #include "flash/vocabulary_enclosure.h"
@@ -129,8 +130,7 @@ OperationReturn WriteFlashSEPFirmware::visit(Core::Device& device, BMICDevice* c
 
 Common::shared_ptr<Core::Capability> WriteFlashSEPFirmware::getCapabilityPtr(DevicePointer device) {
     Common::shared_ptr<Core::Capability> const root(new Core::Capability);
-    root->Subscribe(argumentClass(Names::ATTR_NAME_FIRMWARE_FILE_NAME, Cap::ATTR_VALUE_INSTANCE_TYPE_FILE,
-                                  Cap::ATTR_VALUE_CARDINALITY_SINGLE, Cap::ATTR_VALUE_INSTANCE_RANGE_OPEN));
+    root->Subscribe(fileCapability(Names::ATTR_NAME_FIRMWARE_FILE_NAME));
     root->Subscribe(choiceCapability(Names::ATTR_NAME_RESET_SEP,
                                      {Names::ATTR_VALUE_RESET_SEP_TRUE, Names::ATTR_VALUE_RESET_SEP_FALSE},
                                      Names::ATTR_VALUE_RESET_SEP_FALSE, nullptr));

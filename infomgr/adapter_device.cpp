@@ -17,8 +17,6 @@ using namespace Interface::SysMod::Command;
 constexpr char CONTROLLER_ROUTE[] = "QRTH:0000000000000000";
 
 constexpr std::uint8_t SCSI_GOOD = 0;
-constexpr std::uint16_t COMMAND_DONE = 0;
-constexpr std::uint16_t DATA_UNDERRUN = 2;
 /// The pass-through takes the least that it knows.
 constexpr std::uint32_t SHORTEST_TIMEOUT = 0;
 

@@ -13,6 +13,7 @@ namespace Core::SysMod {
 
 using Interface::SysMod::Command::ATARequest;
 using Interface::SysMod::Command::BMICRequest;
+using Interface::SysMod::Command::DATA_UNDERRUN;
 using Interface::SysMod::Command::EnTransferType;
 
 namespace {
@@ -36,8 +37,6 @@ std::int32_t sgDirection(EnTransferType transferType) {
     }
 }
 
-/// Command status of a reply shorter than the buffer.
-constexpr std::uint16_t DATA_UNDERRUN = 2;
 constexpr unsigned char BMIC_READ = 0x26;
 constexpr unsigned char BMIC_WRITE = 0x27;
 

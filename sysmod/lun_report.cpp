@@ -21,9 +21,10 @@ constexpr std::uint32_t LIST_LIMIT = 1U << 20;
 /// one, so that the next one up is asked for.
 constexpr std::uint32_t SMALL_LIMIT = 0xFFFF;
 constexpr std::uint32_t BIG_MINIMUM = 128000;
-/// Command status values that come with data: good, and fewer or more bytes than asked for.
-constexpr std::uint16_t UNDERRUN = 2;
-constexpr std::uint16_t GOOD[] = {0, UNDERRUN, 3};
+/// Command status values that come with data.
+constexpr std::uint16_t GOOD[] = {Interface::SysMod::Command::COMMAND_DONE,
+                                  Interface::SysMod::Command::DATA_UNDERRUN,
+                                  Interface::SysMod::Command::DATA_OVERRUN};
 
 std::uint32_t bigEndian(std::vector<std::uint8_t> const& reply) {
     return static_cast<std::uint32_t>(reply[0]) << 24 | static_cast<std::uint32_t>(reply[1]) << 16 |
@@ -58,7 +59,7 @@ std::optional<std::vector<std::uint8_t>> ask(OpenDeviceNode const& node, std::ui
             static_cast<unsigned>(status.commandStatus));
         return std::nullopt;
     }
-    if (status.commandStatus == UNDERRUN) {
+    if (status.commandStatus == Interface::SysMod::Command::DATA_UNDERRUN) {
         reply.resize(size - std::min(status.residual, size));
     }
     return reply;

@@ -17,6 +17,12 @@ inline constexpr std::uint32_t SENSE_BUFFER_SIZE = 32;
 /// route to it, or the driver refused the request. No errno.
 inline constexpr std::int32_t NOT_DELIVERED = -1;
 
+// `commandStatus` of a controller's reply. Other values are failures.
+inline constexpr std::uint16_t COMMAND_DONE = 0;
+inline constexpr std::uint16_t TARGET_STATUS = 1;  ///< see the SCSI status byte
+inline constexpr std::uint16_t DATA_UNDERRUN = 2;  ///< fewer bytes came than asked for
+inline constexpr std::uint16_t DATA_OVERRUN = 3;   ///< there were more bytes than asked for
+
 /// A controller management (BMIC) command. The pass-through makes a ten-byte command block of it:
 /// 0x26 or 0x27, `unit` low, `details` (most significant byte first), `commandByte`, length (most
 /// significant byte first), `unit` high.

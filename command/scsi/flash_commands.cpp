@@ -11,19 +11,17 @@
 #include "common/scoped_mutex_lock.h"
 #include "common/sleep.h"
 
+using Interface::SysMod::Command::DATA_OVERRUN;
+using Interface::SysMod::Command::DATA_UNDERRUN;
 using Interface::SysMod::Command::EnTransferType;
 using Interface::SysMod::Command::SCSIRequest;
 using Interface::SysMod::Command::SENSE_BUFFER_SIZE;
+using Interface::SysMod::Command::TARGET_STATUS;
 
 namespace {
 
 constexpr unsigned char WRITE_BUFFER = 0x3B;
 constexpr std::size_t LENGTH_BITS = 0xFFFFFF;
-/// Command status values that count as success.
-constexpr std::uint16_t DATA_UNDERRUN = 2;
-constexpr std::uint16_t DATA_OVERRUN = 3;
-/// Command status that says: see the SCSI status.
-constexpr std::uint16_t TARGET_STATUS = 1;
 
 /// WRITE BUFFER: mode, offset and length, high bytes first.
 struct WriteBufferBlock {

@@ -132,11 +132,6 @@ Bytes readLog(Core::Device& drive, bool isBehindController, unsigned char log, u
                  command.data().begin() + static_cast<std::ptrdiff_t>(command.receivedLength()));
 }
 
-bool isSata(Core::Device const& drive) {
-    return drive.hasAttributeAndIs(Names::ATTR_NAME_INTERFACE, Names::ATTR_VALUE_INTERFACE_SATA) ||
-           drive.hasAttributeAndIs(Names::ATTR_NAME_INTERFACE, Names::ATTR_VALUE_INTERFACE_SATA_SSD);
-}
-
 }  // namespace
 
 Core::FilterReturn FilterExtendedInfo::applyImpl(DevicePointer device) const {
@@ -163,7 +158,7 @@ OperationReturn ReadSSDInfo::readBy(DevicePointer drive, bool isBehindController
     if (!drive) return OperationReturn(Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE);
     for (char const* attribute : WEAR_ATTRIBUTES)
         drive->Clear(attribute);
-    return isSata(*drive) ? PublishLogInfoSATA(drive, isBehindController) : PublishLogInfoSAS(drive);
+    return Schema::isSata(*drive) ? PublishLogInfoSATA(drive, isBehindController) : PublishLogInfoSAS(drive);
 }
 
 OperationReturn ReadSSDInfo::PublishLogInfoSAS(DevicePointer drive) {

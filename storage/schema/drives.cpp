@@ -74,6 +74,13 @@ Common::string NonVaultlinePhysicalDrive::toStringImpl() const {
     return "NVPD:" + (m_uniqueId.empty() ? deviceKey(handle()) : m_uniqueId);
 }
 
+bool isSata(Core::Device const& drive) {
+    return drive.hasAttributeAndIs(Names::PhysicalDrive::ATTR_NAME_INTERFACE,
+                                   Names::PhysicalDrive::ATTR_VALUE_INTERFACE_SATA) ||
+           drive.hasAttributeAndIs(Names::PhysicalDrive::ATTR_NAME_INTERFACE,
+                                   Names::PhysicalDrive::ATTR_VALUE_INTERFACE_SATA_SSD);
+}
+
 TapeDrive::TapeDrive(Common::string const& handle, unsigned short driveNumber)
     : Node(Names::TapeDrive::ATTR_VALUE_TYPE_TAPE_DRIVE, ForwardDevice(), ConcreteSCSIDevice(handle)),
       m_driveNumber(driveNumber) {

@@ -67,6 +67,9 @@ class NonVaultlinePhysicalDrive : public Node<NonVaultlinePhysicalDrive, Core::D
     Common::string m_uniqueId;
 };
 
+/// Whether a drive's interface is ATTR_VALUE_INTERFACE_SATA or _SATA_SSD.
+bool isSata(Core::Device const& drive);
+
 /// A tape drive behind an array controller.
 class TapeDrive : public Node<TapeDrive, Core::Device, 129, ForwardDevice, ConcreteSCSIDevice> {
   public:

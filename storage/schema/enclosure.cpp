@@ -50,15 +50,6 @@ StorageEnclosure::StorageEnclosure(std::uint8_t boxNumber, Common::string const&
     m_cages.clear();
 }
 
-bool StorageEnclosure::isAt(CageLocation const& place) const {
-    for (auto const* const places : {&m_cages, &m_otherPlaces}) {
-        for (CageLocation const& known : *places) {
-            if (known == place) return true;
-        }
-    }
-    return false;
-}
-
 Common::string StorageEnclosure::uniqueIdentifier() const {
     Common::string identifier = "SE:" + decimalText(m_boxIndex) + "_" + decimalText(m_boxNumber);
     if (!m_serialNumber.empty()) identifier += "_" + m_serialNumber;

@@ -55,7 +55,6 @@ class StorageEnclosure : public Node<StorageEnclosure, Core::DeviceComposite, 9,
     /// own, but a place may list processors that the others don't.
     Common::list<CageLocation> const& otherPlaces() const { return m_otherPlaces; }
     void AddPlace(CageLocation const& place) { m_otherPlaces.push_back(place); }
-    bool isAt(CageLocation const& place) const;
 
     /// What was listed in it when it was found: later looks at it may fail, and must not put its devices
     /// elsewhere.

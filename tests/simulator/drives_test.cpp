@@ -15,30 +15,6 @@ std::string textAt(Bytes const& data, std::size_t offset, std::size_t size) {
             data.begin() + static_cast<std::ptrdiff_t>(offset + size)};
 }
 
-Command toNumber(std::uint8_t code, std::size_t size, unsigned number) {
-    Command command = sense(code, size, (number & 0xFF) << 24);
-    command.block[9] = static_cast<std::uint8_t>(number >> 8);
-    return command;
-}
-
-Command toDrive(std::uint8_t number, Bytes block, Direction direction, std::size_t size, Bytes data = {}) {
-    Command command;
-    command.carrier = Carrier::PassThrough;
-    command.address = {number, 0, 0, 0, 0, 0, 0, 1};
-    command.block = std::move(block);
-    command.direction = direction;
-    command.bufferSize = direction == Direction::Out ? data.size() : size;
-    command.dataOut = std::move(data);
-    return command;
-}
-
-Command writeBuffer(std::uint8_t number, std::uint8_t mode, std::size_t offset, Bytes data) {
-    Bytes block = {0x3B, mode, 0, 0, 0, 0, 0, 0, 0, 0};
-    simulator::putBig(&block[3], 3, offset);
-    simulator::putBig(&block[6], 3, data.size());
-    return toDrive(number, block, Direction::Out, 0, std::move(data));
-}
-
 Command microcode(std::uint8_t number, std::size_t offset, Bytes data) {
     std::size_t const sectors = data.size() / 512;
     Bytes block = {0x85,
@@ -57,12 +33,12 @@ Command microcode(std::uint8_t number, std::size_t offset, Bytes data) {
                    0,
                    0x92,
                    0};
-    return toDrive(number, block, Direction::Out, 0, std::move(data));
+    return toMember(number, block, Direction::Out, 0, std::move(data));
 }
 
 Command ataIn(std::uint8_t number, std::uint8_t command, std::uint8_t low = 0, std::uint8_t mid = 0) {
-    return toDrive(number, {0x85, 8, 14, 0, 0, 0, 1, 0, low, 0, mid, 0, 0, 0, command, 0}, Direction::In,
-                   512);
+    return toMember(number, {0x85, 8, 14, 0, 0, 0, 1, 0, low, 0, mid, 0, 0, 0, command, 0}, Direction::In,
+                    512);
 }
 
 Command flashPart(std::uint32_t address, Bytes image, std::uint8_t high = 0) {
@@ -132,7 +108,7 @@ TEST_F(Drives, StandInTheMapsAndReports) {
     EXPECT_EQ((Bytes{0x03, 0x08}), part(send(ONE, sense(0x55, 512)).data, 98, 100)) << "before the spare";
     EXPECT_EQ(4, send(ONE, sense(0x12, 1536)).data[827]) << "active spare";
 
-    Command report = toDrive(0, {0xC3, 2, 0, 0, 0, 0, 0, 0, 4, 0, 0, 0}, Direction::In, 1024);
+    Command report = toMember(0, {0xC3, 2, 0, 0, 0, 0, 0, 0, 4, 0, 0, 0}, Direction::In, 1024);
     report.address = {};
     Reply const list = send(ONE, report);
     ASSERT_EQ(8U + 6 * 32, list.data.size());
@@ -140,7 +116,7 @@ TEST_F(Drives, StandInTheMapsAndReports) {
     EXPECT_EQ((Bytes{0, 2, 0}), part(list.data, 96, 99)) << "index and type";
     EXPECT_EQ((Bytes{0, 40, 1}), part(list.data, 192, 195)) << "the tape";
 
-    Reply const spinner = send(ONE, toNumber(0x15, 2048, 128));
+    Reply const spinner = send(ONE, toIndex(0x15, 2048, 128));
     EXPECT_EQ((Bytes{0xFF, 0xFF, 0xFF, 0xFF}), part(spinner.data, 4, 8)) << "larger than 2 TiB";
     EXPECT_EQ(5860533168U, simulator::getLittle(&spinner.data[122], 8));
     EXPECT_EQ("VQ      EG0300SPIN  ", textAt(spinner.data, 12, 20));
@@ -148,13 +124,13 @@ TEST_F(Drives, StandInTheMapsAndReports) {
     EXPECT_EQ("1E", textAt(spinner.data, 112, 2));
     EXPECT_EQ(4, spinner.data[114]);
     EXPECT_EQ((Bytes{0, 0, 11, 6}), part(spinner.data, 1862, 1866)) << "authentication, versions";
-    EXPECT_EQ("ATA     MB4000SATA", textAt(send(ONE, toNumber(0x15, 2048, 129)).data, 12, 18));
-    EXPECT_EQ(3, send(ONE, toNumber(0x15, 2048, 137)).data[120]) << "SATA, solid state";
-    EXPECT_EQ("5/24/0", outcome(send(ONE, toNumber(0x15, 2048, 0)))) << "without 128";
-    EXPECT_EQ("5/24/0", outcome(send(ONE, toNumber(0x15, 2048, 139)))) << "missing";
-    EXPECT_EQ("ULTRIUM DR-3    ", textAt(send(ONE, toNumber(0x92, 802, 40)).data, 30, 16));
+    EXPECT_EQ("ATA     MB4000SATA", textAt(send(ONE, toIndex(0x15, 2048, 129)).data, 12, 18));
+    EXPECT_EQ(3, send(ONE, toIndex(0x15, 2048, 137)).data[120]) << "SATA, solid state";
+    EXPECT_EQ("5/24/0", outcome(send(ONE, toIndex(0x15, 2048, 0)))) << "without 128";
+    EXPECT_EQ("5/24/0", outcome(send(ONE, toIndex(0x15, 2048, 139)))) << "missing";
+    EXPECT_EQ("ULTRIUM DR-3    ", textAt(send(ONE, toIndex(0x92, 802, 40)).data, 30, 16));
 
-    EXPECT_EQ(4200U, simulator::getLittle(&send(ONE, toNumber(0xA0, 512, 0)).data[4], 4)) << "minutes";
+    EXPECT_EQ(4200U, simulator::getLittle(&send(ONE, toIndex(0xA0, 512, 0)).data[4], 4)) << "minutes";
     Reply const erase = send(ONE, sense(0xE5, 1024));
     EXPECT_EQ((Bytes{2, 1, 40}), part(erase.data, 512 + 36, 512 + 39));
 }
@@ -162,16 +138,16 @@ TEST_F(Drives, StandInTheMapsAndReports) {
 TEST_F(Drives, TellOfThemselves) {
     Bytes const inquiry = {0x12, 0, 0, 0, 96, 0};
     EXPECT_EQ("ATA     MB4000SATA      0101",
-              textAt(send(ONE, toDrive(1, inquiry, Direction::In, 96)).data, 8, 28));
-    Reply const wear = send(ONE, toDrive(2, {0x4D, 0, 0x76, 0, 0, 0, 0, 0x10, 0, 0}, Direction::In, 260));
+              textAt(send(ONE, toMember(1, inquiry, Direction::In, 96)).data, 8, 28));
+    Reply const wear = send(ONE, toMember(2, {0x4D, 0, 0x76, 0, 0, 0, 0, 0x10, 0, 0}, Direction::In, 260));
     EXPECT_EQ((Bytes{0x36, 0, 0, 37, 0, 1, 3, 4, 0, 0, 0, 100}), part(wear.data, 0, 12));
     EXPECT_EQ((Bytes{0, 3, 3, 4, 0, 0, 0, 12}), part(wear.data, 20, 28)) << "days";
-    Reply const smart = send(ONE, toDrive(2, {0x4D, 0, 0x6F, 0, 0, 0, 0, 0, 16, 0}, Direction::In, 16));
+    Reply const smart = send(ONE, toMember(2, {0x4D, 0, 0x6F, 0, 0, 0, 0, 0, 16, 0}, Direction::In, 16));
     EXPECT_EQ((Bytes{0x2F, 0, 0, 16, 0, 0, 3, 4, 0x5D, 0x73}), part(smart.data, 0, 10)) << "worn out";
-    Reply const fourth = send(ONE, toDrive(2, {0x4D, 0, 0x6F, 0, 0, 0, 4, 0, 16, 0}, Direction::In, 16));
+    Reply const fourth = send(ONE, toMember(2, {0x4D, 0, 0x6F, 0, 0, 0, 4, 0, 16, 0}, Direction::In, 16));
     EXPECT_EQ((Bytes{0, 4}), part(fourth.data, 4, 6));
     EXPECT_EQ("5/24/0",
-              outcome(send(ONE, toDrive(0, {0x4D, 0, 0x76, 0, 0, 0, 0, 0, 99, 0}, Direction::In, 99))));
+              outcome(send(ONE, toMember(0, {0x4D, 0, 0x76, 0, 0, 0, 0, 0, 99, 0}, Direction::In, 99))));
 
     Reply const ata = send(ONE, ataIn(1, 0xEC));
     EXPECT_EQ("1S", textAt(ata.data, 20, 2)) << "the words' bytes change places";
@@ -180,10 +156,11 @@ TEST_F(Drives, TellOfThemselves) {
     EXPECT_EQ(5, send(ONE, ataIn(9, 0x2F, 4, 1)).data[8]) << "power cycles";
     EXPECT_EQ("11/00/0", outcome(send(ONE, ataIn(9, 0x2F, 5, 0)))) << "no such log";
     EXPECT_EQ("5/20/0", outcome(send(ONE, ataIn(0, 0xEC)))) << "SAS";
-    EXPECT_EQ("4/44/0", outcome(send(ONE, toDrive(10, {0, 0, 0, 0, 0, 0}, Direction::None, 0)))) << "failing";
+    EXPECT_EQ("4/44/0", outcome(send(ONE, toMember(10, {0, 0, 0, 0, 0, 0}, Direction::None, 0))))
+        << "failing";
     Bytes const capacity = {0x9E, 0x10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 32, 0, 0};
     EXPECT_EQ((Bytes{0, 0, 0, 1, 0x5D, 0x50, 0xA3, 0xAF, 0, 0, 2, 0}),
-              part(send(ONE, toDrive(0, capacity, Direction::In, 32)).data, 0, 12));
+              part(send(ONE, toMember(0, capacity, Direction::In, 32)).data, 0, 12));
 }
 
 TEST_F(Drives, TakeFirmware) {
@@ -295,7 +272,7 @@ TEST_F(Drives, CarriersAndTheCacheModuleTakeWholeImages) {
     EXPECT_EQ("5 5 ok", show("cache"));
     EXPECT_EQ(carrier, machine->romImage("one/spinner/carrier", simulator::Rom::Active));
     EXPECT_EQ(cache, machine->romImage("one/cache", simulator::Rom::Active));
-    EXPECT_EQ(12, send(ONE, toNumber(0x15, 2048, 128)).data[1864]);
+    EXPECT_EQ(12, send(ONE, toIndex(0x15, 2048, 128)).data[1864]);
     EXPECT_EQ(5, send(ONE, sense(0xC1, 512)).data[221]);
     EXPECT_EQ("5/24/0", outcome(send(TWO, flashPart(0, cache)))) << "no cache module";
 }
@@ -340,7 +317,7 @@ TEST_F(Drives, AreMadeByCount) {
         EXPECT_EQ(row.present, bits);
         if (row.count == 0) continue;
         unsigned const last = row.count - 1;
-        Reply const drive = send(ONE, toNumber(0x15, 2048, last + 128));
+        Reply const drive = send(ONE, toIndex(0x15, 2048, last + 128));
         EXPECT_EQ("SN" + std::string(5 - std::to_string(last).size(), '0') + std::to_string(last) + " ",
                   textAt(drive.data, 52, 8));
         Reply const configuration = send(ONE, sense(0x50, 2048));

@@ -21,33 +21,6 @@ std::string textAt(Bytes const& data, std::size_t offset, std::size_t size) {
             data.begin() + static_cast<std::ptrdiff_t>(offset + size)};
 }
 
-Command toIndex(std::uint8_t code, std::size_t size, unsigned index) {
-    Command command = sense(code, size, index << 24);
-    command.block[9] = static_cast<std::uint8_t>(index >> 8);
-    return command;
-}
-
-/// A SCSI command to the processor of an index.
-Command toSep(std::uint8_t index, Bytes block, Direction direction = Direction::None, std::size_t size = 0,
-              Bytes data = {}) {
-    Command command;
-    command.carrier = Carrier::PassThrough;
-    command.address = {index, 0, 0, 0, 0, 0, 0, 1};
-    command.block = std::move(block);
-    command.direction = direction;
-    command.bufferSize = direction == Direction::Out ? data.size() : size;
-    command.dataOut = std::move(data);
-    return command;
-}
-
-Command writeBuffer(std::uint8_t index, std::uint8_t mode, std::size_t offset, Bytes data) {
-    Bytes block = {0x3B, mode, 0, 0, 0, 0, 0, 0, 0, 0};
-    simulator::putBig(&block[3], 3, offset);
-    simulator::putBig(&block[6], 3, data.size());
-    Direction const direction = data.empty() ? Direction::None : Direction::Out;
-    return toSep(index, block, direction, 0, std::move(data));
-}
-
 class Enclosures : public MachineTest {
   protected:
     void SetUp() override { make(scenario()); }
@@ -92,7 +65,7 @@ class Enclosures : public MachineTest {
         return reply;
     }
     std::string product(std::uint8_t index) {
-        Reply const reply = send(ONE, toSep(index, {0x12, 0, 0, 0, 96, 0}, Direction::In, 96));
+        Reply const reply = send(ONE, toMember(index, {0x12, 0, 0, 0, 96, 0}, Direction::In, 96));
         return reply.good() ? textAt(reply.data, 16, 20) : outcome(reply);
     }
     std::uint64_t worldWideName(unsigned index) {
@@ -162,14 +135,14 @@ TEST_F(Enclosures, ProcessorsAndExpandersAreIdentified) {
     EXPECT_EQ((Bytes{0, 17, 6}), Bytes(&reply.data[8 + 24], &reply.data[8 + 27]));
     EXPECT_EQ((Bytes{1, 44, 5}), Bytes(&reply.data[8 + 160 + 24], &reply.data[8 + 160 + 27]));
 
-    reply = send(ONE, toSep(19, {0x1C, 1, 7, 4, 8, 0}, Direction::In, 1032));
+    reply = send(ONE, toMember(19, {0x1C, 1, 7, 4, 8, 0}, Direction::In, 1032));
     EXPECT_EQ("MIDPLANE 1.02", textAt(reply.data, 16, 13));
-    reply = send(ONE, toSep(19, {0x1C, 1, 1, 4, 12, 0}, Direction::In, 1032));
+    reply = send(ONE, toMember(19, {0x1C, 1, 1, 4, 12, 0}, Direction::In, 1032));
     EXPECT_EQ("ENCL 11 SEP     1.42", textAt(reply.data, 28, 20));
-    reply = send(ONE, toSep(19, {8, 0, 0, 0x93, 32, 0}, Direction::In, 32));
+    reply = send(ONE, toMember(19, {8, 0, 0, 0x93, 32, 0}, Direction::In, 32));
     EXPECT_EQ("CHASSIS7", textAt(reply.data, 0, 8));
-    send(ONE, toSep(19, {0x27, 0, 3, 0, 0, 0, 0x10, 0, 2, 0}, Direction::Out, 0, {0, 0}));
-    reply = send(ONE, toSep(19, {0x26, 0, 0, 0, 0, 0, 0x11, 0, 2, 0}, Direction::In, 2));
+    send(ONE, toMember(19, {0x27, 0, 3, 0, 0, 0, 0x10, 0, 2, 0}, Direction::Out, 0, {0, 0}));
+    reply = send(ONE, toMember(19, {0x26, 0, 0, 0, 0, 0, 0x11, 0, 2, 0}, Direction::In, 2));
     EXPECT_EQ((Bytes{0, 3}), reply.data);
 }
 

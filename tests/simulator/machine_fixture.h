@@ -88,6 +88,32 @@ inline Command sense(std::uint8_t code, std::size_t size, std::uint32_t details 
 inline Command order(std::uint8_t code, std::uint32_t details = 0) {
     return management(code, Direction::None, 0, details);
 }
+/// A management read whose block has an index of two bytes: low in byte 2, high in byte 9.
+inline Command toIndex(std::uint8_t code, std::size_t size, unsigned index) {
+    Command command = sense(code, size, (index & 0xFF) << 24);
+    command.block[9] = static_cast<std::uint8_t>(index >> 8);
+    return command;
+}
+/// A SCSI command to a drive or a processor behind a controller, by its number.
+inline Command toMember(std::uint8_t number, Bytes block, Direction direction = Direction::None,
+                        std::size_t size = 0, Bytes data = {}) {
+    Command command;
+    command.carrier = Carrier::PassThrough;
+    command.address = {number, 0, 0, 0, 0, 0, 0, 1};
+    command.block = std::move(block);
+    command.direction = direction;
+    command.bufferSize = direction == Direction::Out ? data.size() : size;
+    command.dataOut = std::move(data);
+    return command;
+}
+/// WRITE BUFFER to a drive or a processor.
+inline Command writeBuffer(std::uint8_t number, std::uint8_t mode, std::size_t offset, Bytes data) {
+    Bytes block = {0x3B, mode, 0, 0, 0, 0, 0, 0, 0, 0};
+    simulator::putBig(&block[3], 3, offset);
+    simulator::putBig(&block[6], 3, data.size());
+    Direction const direction = data.empty() ? Direction::None : Direction::Out;
+    return toMember(number, block, direction, 0, std::move(data));
+}
 /// Chunk `number` of `count` of the collect command.
 inline Command chunk(unsigned number, unsigned count, Bytes data) {
     std::uint32_t const details =
