@@ -2,25 +2,41 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
-
 #include "tests/support/package_run.h"
 
 namespace {
 
-using Strings = std::vector<std::string>;
+struct Row {
+    char const* id;
+    char const* type;
+    char const* version;
+    char const* active;
+    char const* action;
+};
 
-/// "id catalogue's version, device's version, action" of every device in a discovery document.
-Strings devicesOf(std::string const& document) {
-    static std::regex const device(
-        "<device_id value=\"([^\"]*)\"/>\n(?:.*\n){3}<version value=\"([^\"]*)\"/>\n"
-        "<active_version value=\"([^\"]*)\"/>\n<action value=\"([^\"]*)\"/>");
-    Strings lines;
-    for (std::sregex_iterator each(document.begin(), document.end(), device), end; each != end; ++each) {
-        lines.push_back((*each)[1].str() + " " + (*each)[2].str() + " " + (*each)[3].str() + " " +
-                        (*each)[4].str());
+constexpr char CONTROLLER[] = "Controller ROM";
+constexpr char PROCESSOR[] = "SEP Enclosure ROM";
+
+/// A discovery document, whole. The package's component file names one controller model twice.
+std::string document(std::vector<Row> const& rows) {
+    std::string text =
+        R"(<?xml version="1.0" encoding="UTF-8"?>
+<vq_rom_discovery version="2.0.0.0">
+<type value="QBX"/>
+<alt_name value="ROM Flash for 33541E5C, 33541E5C, 33511E5C, 33551E5C, ENCL 08 SEP Controller, Enclosure and Sep firmware"/>
+<takes_effect value="deferred"/>
+<devices>
+)";
+    for (Row const& row : rows) {
+        // A cache module's two names aren't spelt alike.
+        std::string const id = row.id;
+        text += "<device>\n<device_id value=\"" + id + "\"/>\n<product_id value=\"" +
+                (id == "FBWC" ? "FWBC" : id) + "\"/>\n<fw_item>\n<type value=\"" + row.type +
+                "\"/>\n<version value=\"" + row.version + "\"/>\n<active_version value=\"" + row.active +
+                "\"/>\n<action value=\"" + row.action +
+                "\"/>\n<duration value=\"900\"/>\n<shared value=\"no\"/>\n</fw_item>\n</device>\n";
     }
-    return lines;
+    return text + "</devices>\n</vq_rom_discovery>\n";
 }
 
 /// What stands behind `words` in a log.
@@ -84,14 +100,24 @@ Versions const LEFT_ALONE = {
 TEST(Everything, IsToldInTheDocumentAndTheSummary) {
     PackageRun const package("everything");
     EXPECT_EQ(3, package.flash({"-d", "out.xml", "-s"}).status);
-    EXPECT_EQ(
-        (Strings{"ENCL 08 SEP 1.50 1.30 upgrade", "ENCL 08 SEP 1.50 1.30 upgrade",
-                 "ENCL 11 SEP 1.50 1.50 rewrite", "TR56 6.64 6.40 upgrade", "ENCL 01 SEP 1.20 1.04 upgrade",
-                 "ENCL 05 SEP 2.10 1.90 upgrade", "ENCL 05 SEP 2.10 1.90 upgrade", "TR57 6.64 6.64 rewrite",
-                 "ENCL 03 SEP 1.36 1.36 rewrite", "ENCL 03 SEP 1.36 1.36 rewrite", "TR58 6.64 6.72 downgrade",
-                 "ENCL 16 SEP 3.00 3.10 downgrade", "ENCL 16 SEP 3.00 3.10 downgrade",
-                 "ENCL 14 SEP 1.06 1.02 upgrade", "ENCL 14 SEP 1.06 1.02 upgrade"}),
-        devicesOf(readText(package.directory() / "out.xml")));
+    EXPECT_EQ(document({
+                  {"ENCL 08 SEP", PROCESSOR, "1.50", "1.30", "upgrade"},
+                  {"ENCL 08 SEP", PROCESSOR, "1.50", "1.30", "upgrade"},
+                  {"ENCL 11 SEP", PROCESSOR, "1.50", "1.50", "rewrite"},
+                  {"TR56", CONTROLLER, "6.64", "6.40", "upgrade"},
+                  {"ENCL 01 SEP", PROCESSOR, "1.20", "1.04", "upgrade"},
+                  {"ENCL 05 SEP", PROCESSOR, "2.10", "1.90", "upgrade"},
+                  {"ENCL 05 SEP", PROCESSOR, "2.10", "1.90", "upgrade"},
+                  {"TR57", CONTROLLER, "6.64", "6.64", "rewrite"},
+                  {"ENCL 03 SEP", PROCESSOR, "1.36", "1.36", "rewrite"},
+                  {"ENCL 03 SEP", PROCESSOR, "1.36", "1.36", "rewrite"},
+                  {"TR58", CONTROLLER, "6.64", "6.72", "downgrade"},
+                  {"ENCL 16 SEP", PROCESSOR, "3.00", "3.10", "downgrade"},
+                  {"ENCL 16 SEP", PROCESSOR, "3.00", "3.10", "downgrade"},
+                  {"ENCL 14 SEP", PROCESSOR, "1.06", "1.02", "upgrade"},
+                  {"ENCL 14 SEP", PROCESSOR, "1.06", "1.02", "upgrade"},
+              }),
+              readText(package.directory() / "out.xml"));
     EXPECT_EQ(R"(Discovered applicable devices:
 	ENCL 08 SEP: 1.30
 	ENCL 08 SEP: 1.30
@@ -154,11 +180,43 @@ TEST(Everything, WhatIsOlderIsUpdatedAndNothingElse) {
 TEST(CacheModule, IsAllThatIsLookedAtBehindAController) {
     PackageRun const package("cache-module");
     EXPECT_EQ(3, package.flash({"-d", "out.xml", "-s"}).status);
-    EXPECT_EQ((Strings{"ENCL 08 SEP 1.50 1.30 upgrade", "ENCL 08 SEP 1.50 1.30 upgrade",
-                       "ENCL 11 SEP 1.50 1.50 rewrite", "TR56 6.64 6.40 upgrade", "TR57 6.64 6.64 rewrite",
-                       "TR58 6.64 6.72 downgrade", "FBWC 7.00 5.00 upgrade", "FBWC 7.00 7.00 rewrite",
-                       "FBWC 7.00 9.00 downgrade"}),
-              devicesOf(readText(package.directory() / "out.xml")));
+    EXPECT_EQ(document({
+                  {"ENCL 08 SEP", PROCESSOR, "1.50", "1.30", "upgrade"},
+                  {"ENCL 08 SEP", PROCESSOR, "1.50", "1.30", "upgrade"},
+                  {"ENCL 11 SEP", PROCESSOR, "1.50", "1.50", "rewrite"},
+                  {"TR56", CONTROLLER, "6.64", "6.40", "upgrade"},
+                  {"TR57", CONTROLLER, "6.64", "6.64", "rewrite"},
+                  {"TR58", CONTROLLER, "6.64", "6.72", "downgrade"},
+                  {"FBWC", CONTROLLER, "7.00", "5.00", "upgrade"},
+                  {"FBWC", CONTROLLER, "7.00", "7.00", "rewrite"},
+                  {"FBWC", CONTROLLER, "7.00", "9.00", "downgrade"},
+              }),
+              readText(package.directory() / "out.xml"));
+    // Versions are compared as text: 9 is the newest, and 1.30 the oldest beside 5.
+    EXPECT_EQ(R"(Discovered applicable devices:
+	ENCL 08 SEP: 1.30
+	ENCL 08 SEP: 1.30
+	ENCL 11 SEP: 1.50
+	TR56: 6.40
+	TR57: 6.64
+	TR58: 6.72
+	FBWC: 5.00
+	FBWC: 7.00
+	FBWC: 9.00
+Applicable devices found:         9 (3 Controller 6 Expander)
+Controller Info:
+	Oldest firmware version:  6.40
+	Newest firmware version:  6.72
+Expander Info:
+	Oldest firmware version:  1.30
+	Newest firmware version:  9
+Devices with older firmware:      4
+Devices with current firmware:    3
+Devices with newer firmware:      2
+
+)",
+              behind(package.componentLog(), "Discovered applicable devices:"));
+    expectNoProtocolErrors(package);
 }
 
 TEST(CacheModule, AnOlderOneIsUpdatedAndNothingElse) {
