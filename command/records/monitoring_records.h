@@ -30,7 +30,16 @@ namespace Records {
     ONE(78, 4, DWORD, dwHotPlugCount)              \
     ONE(82, 4, DWORD, dwServiceTime)               \
     ONE(86, 4, DWORD, dwPredictiveFailureErrors)   \
-    MANY(90, 422, RESERVED, reserved)
+    ONE(90, 4, DWORD, dwReadRecoveryFailures)      \
+    ONE(94, 4, DWORD, dwWriteRecoveryFailures)     \
+    ONE(98, 4, DWORD, dwDRQTimeouts)               \
+    ONE(102, 4, DWORD, dwOtherTimeouts)            \
+    ONE(106, 4, DWORD, dwSpinupErrors)             \
+    ONE(110, 4, DWORD, dwFormatErrors)             \
+    ONE(114, 4, DWORD, dwNotReadyErrors)           \
+    ONE(118, 4, DWORD, dwAbortedCommands)          \
+    ONE(122, 4, DWORD, dwBadTargetErrors)          \
+    MANY(126, 386, RESERVED, reserved)
 KSL_WIRE_RECORD(SENSE_MNP_STATISTICS, 512)
 
 #define KSL_SENSE_MNP_THRESHOLDS(ONE, MANY)        \

@@ -159,6 +159,17 @@ Schema::BoxContents contentsOfEnclosures(Core::Device const& controller) {
     return contents;
 }
 
+Schema::BoxContents contentsAheadOf(Schema::StorageEnclosure const& enclosure,
+                                    Core::Device const& controller) {
+    Schema::BoxContents ahead;
+    forEachEnclosure(controller, [&](Schema::StorageEnclosure const& other) {
+        if (&other == &enclosure) return false;
+        ahead.add(other.contents());
+        return true;
+    });
+    return ahead;
+}
+
 Schema::BoxContents contentsNow(Schema::StorageEnclosure& enclosure, Core::Device const& controller,
                                 std::uint8_t boxIndex) {
     Schema::BoxContents listed;
@@ -167,12 +178,7 @@ Schema::BoxContents contentsNow(Schema::StorageEnclosure& enclosure, Core::Devic
         if (sense.answers(enclosure)) listed.add(contentsOf(sense.record()));
     }
     listed.add(enclosure.contents());
-    Schema::BoxContents ahead;
-    forEachEnclosure(controller, [&](Schema::StorageEnclosure const& other) {
-        if (&other == &enclosure) return false;
-        ahead.add(other.contents());
-        return true;
-    });
+    Schema::BoxContents const ahead = contentsAheadOf(enclosure, controller);
     auto const refuse = [boxIndex](char const* what, unsigned short number) {
         Common::DebugLogger::LogCommand("%s %u of box index %u passed over: another box has it", what,
                                         static_cast<unsigned>(number), static_cast<unsigned>(boxIndex));

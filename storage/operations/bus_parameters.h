@@ -63,6 +63,9 @@ Schema::BoxContents contentsNow(Schema::StorageEnclosure& enclosure, Core::Devic
                                 std::uint8_t boxIndex);
 /// Of all enclosures that this discovery found below a controller.
 Schema::BoxContents contentsOfEnclosures(Core::Device const& controller);
+/// Of those ahead of one below the same controller.
+Schema::BoxContents contentsAheadOf(Schema::StorageEnclosure const& enclosure,
+                                    Core::Device const& controller);
 
 /// A text member as it came, blanks included, up to the first zero.
 template <typename Byte, std::size_t Size>

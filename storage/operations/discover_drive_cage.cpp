@@ -1,5 +1,6 @@
 #include "storage/operations/discover_drive_cage.h"
 
+#include "common/debug_logger.h"
 #include "storage/operations/bus_parameters.h"
 #include "storage/operations/publish.h"
 #include "storage/operations/publish_enclosure.h"
@@ -45,17 +46,41 @@ Schema::PhysicalDriveMap halfOf(Schema::PhysicalDriveMap const& drives, char hal
     return map;
 }
 
+/// The drives of a box, without those of another: a box without a serial number stands in the tree once for
+/// each of its paths, and its drives must not.
+Schema::PhysicalDriveMap ownDrives(Schema::StorageEnclosure const& enclosure,
+                                   Schema::PhysicalDriveMap drives) {
+    drives |= enclosure.contents().drives;
+    if (Common::shared_ptr<Core::Device> const controller = enclosure.pParent()) {
+        Schema::PhysicalDriveMap const ahead = contentsAheadOf(enclosure, *controller).drives;
+        for (unsigned short const number : drives.numbers()) {
+            if (!ahead.test(number)) continue;
+            Common::DebugLogger::LogCommand("Drive %u of %s passed over: another box has it",
+                                            static_cast<unsigned>(number), enclosure.toString().c_str());
+        }
+        drives -= ahead;
+    }
+    return drives;
+}
+
 }  // namespace
 
 Core::OperationReturn DiscoverDriveCage::visit(Schema::StorageEnclosure& enclosure) {
     for (Schema::CageLocation const& place : enclosure.driveCageLocationList()) {
+        // A second look that fails takes nothing away: the controller leaves these drives to the cage.
+        Common::copy_ptr<Parameters> newest = enclosure.record();
+        Schema::PhysicalDriveMap listed;
         SenseBox sense(place);
-        if (!sense.answers(enclosure)) continue;
-        Parameters const& record = sense.record();
+        if (sense.answers(enclosure)) {
+            newest = sense.recordCopy();
+            listed = installedDrives(sense);
+        }
+        if (newest.get() == nullptr) continue;
+        Parameters const& record = *newest;
         Common::string const product =
             record.bInquiryValid != 0 ? wholeText(record.boxInquiryData.sProductID) : Common::string();
         char const mark = product.size() > DUPLEX_MARK ? product[DUPLEX_MARK] : '\0';
-        Schema::PhysicalDriveMap const drives = installedDrives(sense);
+        Schema::PhysicalDriveMap const drives = ownDrives(enclosure, listed);
         if (mark == 'D') {
             for (char const half : {'T', 'B'})
                 offerCage(enclosure, place, record, halfOf(drives, half), half);

@@ -100,6 +100,7 @@ void DiscoverStorageEnclosure::discover(Box const& box, EnclosureList& found) {
                                                       boxIndexOf(box.place.bus, box.place.target));
     Common::shared_ptr<Core::Device> const enclosure(device);
     device->AddContents(wholeContents(box));
+    device->SetRecord(box.parameters);
     publishAlarms(*enclosure, parameters.alarmData);
     publish(*enclosure, Names::ATTR_NAME_BUS_MODE,
             isDuplex(parameters) ? Names::ATTR_VALUE_BUS_MODE_DUPLEX : Names::ATTR_VALUE_BUS_MODE_SIMPLEX);

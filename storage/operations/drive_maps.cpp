@@ -19,24 +19,6 @@ namespace {
 
 using Schema::PhysicalDriveMap;
 
-PhysicalDriveMap drivesInCages(Core::Device const& controller, BMICDevice& commands,
-                               Records::IDENTIFY_CONTROLLER const& identify) {
-    namespace Names = Interface::StorageMod::ArrayController;
-    Common::string const family = controller.getValueFor(Names::ATTR_NAME_CONTROLLER_FIRMWARE_FAMILY);
-    bool hasEnclosures = false;
-    for (auto child = controller.beginChild(); child != controller.endChild(); ++child)
-        hasEnclosures =
-            hasEnclosures || dynamic_cast<Schema::StorageEnclosure const*>(child->get()) != nullptr;
-    // Where enclosures are discovered, their own lists count: a box that answers only one of two looks would
-    // have its drives twice, or not at all.
-    if (hasEnclosures) return contentsOfEnclosures(controller).drives;
-    PhysicalDriveMap inCages;
-    for (Box const& box : walkBoxes(commands, identify)) {
-        if (isEnclosure(box, family)) inCages |= box.installedDrives;
-    }
-    return inCages;
-}
-
 PhysicalDriveMap onlyThoseOf(PhysicalDriveMap const& all, PhysicalDriveMap const& of) {
     PhysicalDriveMap common(all.size());
     for (unsigned short const number : all.numbers()) {
@@ -69,6 +51,11 @@ bool readDriveMaps(Core::Device& parent, BMICDevice& commands, DriveMaps& maps,
     nonDisk.limitTo(known);
     if (auto const* const cage = dynamic_cast<Schema::DriveCage const*>(&parent)) {
         maps.disks = cage->installedDriveList();
+        for (unsigned short const number : maps.disks.numbers()) {
+            if (number < known) continue;
+            Common::DebugLogger::LogCommand("Drive %u of a cage refused: the controller serves %u devices",
+                                            static_cast<unsigned>(number), known);
+        }
         maps.disks.limitTo(known);
         maps.disks -= nonDisk;
         maps.others = onlyThoseOf(nonDisk, cage->installedDriveList());
@@ -77,12 +64,11 @@ bool readDriveMaps(Core::Device& parent, BMICDevice& commands, DriveMaps& maps,
     maps.disks = present;
     maps.disks -= nonDisk;
     maps.others = nonDisk;
-    // Without devices there is no need to ask where they are.
-    if (maps.disks.any() || maps.others.any()) {
-        PhysicalDriveMap const inCages = drivesInCages(parent, commands, *maps.identify);
-        maps.disks -= inCages;
-        maps.others -= inCages;
-    }
+    // The enclosures in the tree tell what is in their cages. Asking the places anew could find a box that
+    // its own discovery missed, and leave its drives to a cage that isn't there: they would be lost.
+    PhysicalDriveMap const inCages = contentsOfEnclosures(parent).drives;
+    maps.disks -= inCages;
+    maps.others -= inCages;
     return true;
 }
 
@@ -94,14 +80,23 @@ ListedDevices::ListedDevices(Common::shared_ptr<Core::Device> const& controller,
         unsigned short const index = Core::SysMod::getDeviceIndex(*handle);
         if (index >= m_handles.size()) m_handles.resize(index + 1U);
         if (m_handles[index].empty()) m_handles[index] = *handle;
+        if (m_handles[index] != *handle) m_ambiguous.push_back(index);
     }
+    for (unsigned short const index : m_ambiguous)
+        m_handles[index] = Common::string();
+}
+
+bool ListedDevices::has(unsigned short index) const {
+    return (index < m_handles.size() && !m_handles[index].empty()) ||
+           std::count(m_ambiguous.begin(), m_ambiguous.end(), index) != 0;
 }
 
 Common::string ListedDevices::handleOf(unsigned short index) const {
-    if (has(index)) return m_handles[index];
+    if (index < m_handles.size() && !m_handles[index].empty()) return m_handles[index];
+    bool const isAmbiguous = std::count(m_ambiguous.begin(), m_ambiguous.end(), index) != 0;
     Common::DebugLogger::LogCommand(
-        "Drive %u can't be addressed: the list of physical devices has no device of that number and kind",
-        static_cast<unsigned>(index));
+        "Drive %u can't be addressed: the list of physical devices has %s of that number and kind",
+        static_cast<unsigned>(index), isAmbiguous ? "several devices" : "no device");
     return Common::string();
 }
 

@@ -24,19 +24,21 @@ struct DriveMaps {
 bool readDriveMaps(Core::Device& parent, BMICDevice& commands, DriveMaps& maps,
                    Core::OperationReturn& result);
 
-/// Handles of the devices of one type behind a controller, by their index. An index that isn't listed has an
-/// empty handle, over which nothing is sent, and a line in the log: never the controller's own, to which a
-/// drive's firmware would go.
+/// Handles of the devices of one type behind a controller, by their index. An index that isn't listed, or
+/// listed for several devices, has an empty handle, over which nothing is sent, and a line in the log: never
+/// the controller's own or another drive's, to which a drive's firmware would go.
 class ListedDevices {
   public:
     /// `deviceType` as in PhysicalDeviceIterator.
     ListedDevices(Common::shared_ptr<Core::Device> const& controller, unsigned char deviceType);
 
-    bool has(unsigned short index) const { return index < m_handles.size() && !m_handles[index].empty(); }
+    /// At least once.
+    bool has(unsigned short index) const;
     Common::string handleOf(unsigned short index) const;
 
   private:
     std::vector<Common::string> m_handles;
+    std::vector<unsigned short> m_ambiguous;  ///< listed for several devices
 };
 
 }  // namespace Operations

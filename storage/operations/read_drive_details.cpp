@@ -29,6 +29,10 @@ constexpr SpeedRow PARALLEL_SPEEDS[] = {
     {1, Names::ATTR_VALUE_TRANSFER_MODE_FAST, 10},
 };
 
+/// Of what a run can do without. A controller that isn't ready for these would hold it up for two minutes at
+/// each drive.
+constexpr unsigned char OPTIONAL_REPEATS = 2;
+
 #define KSL_COUNT(attribute, member)                                                     \
     {                                                                                    \
         Names::ATTR_NAME_MNP_##attribute, [](auto& r) { return decimalText(r.member); }, \
@@ -51,6 +55,15 @@ constexpr PublishRow<Statistics> MNP_ROWS[] = {
     KSL_COUNT(SCSI_BUS_FAULTS, dwBusFaults),
     KSL_COUNT(HOT_PLUG_COUNT, dwHotPlugCount),
     KSL_COUNT(PREDICTIVE_FAILURES, dwPredictiveFailureErrors),
+    KSL_COUNT(FAILED_READ_RECOVERS, dwReadRecoveryFailures),
+    KSL_COUNT(FAILED_WRITE_RECOVERS, dwWriteRecoveryFailures),
+    KSL_COUNT(DRQ_TIME_OUTS, dwDRQTimeouts),
+    KSL_COUNT(OTHER_TIME_OUTS, dwOtherTimeouts),
+    KSL_COUNT(SPIN_UP_ERRORS, dwSpinupErrors),
+    KSL_COUNT(FORMAT_ERRORS, dwFormatErrors),
+    KSL_COUNT(NOT_READY_ERRORS, dwNotReadyErrors),
+    KSL_COUNT(ABORTED_COMMANDS, dwAbortedCommands),
+    KSL_COUNT(BAD_TARGET_ERRORS, dwBadTargetErrors),
 };
 #undef KSL_COUNT
 
@@ -122,6 +135,7 @@ void ReadMNPInfo(Common::shared_ptr<Core::Device> const& controller, Schema::Phy
         return;
     }
     SenseMNPStatistics statistics(drive.physicalDriveNumber());
+    statistics.SetNumMaxRetries(OPTIONAL_REPEATS);
     BMICDevice& commands = drive;
     unsigned const received = statistics(commands) ? statistics.receivedLength() : 0;
     publishRows(drive, MNP_ROWS, statistics.record(), received);
@@ -137,6 +151,7 @@ void readEraseProgress(Schema::PhysicalDrive& drive, DriveReply const& reply) {
         return;
     }
     SenseErase erase;
+    erase.SetNumMaxRetries(OPTIONAL_REPEATS);
     BMICDevice& commands = drive;
     EraseEntry entry;
     if (!erase(commands) || !holdsWhole(erase, "Erase state") ||

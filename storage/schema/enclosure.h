@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "command/records/all_records.h"
+#include "common/copy_ptr.h"
 #include "common/list.h"
 #include "storage/schema/drive_map.h"
 #include "storage/schema/forward_device.h"
@@ -60,12 +62,16 @@ class StorageEnclosure : public Node<StorageEnclosure, Core::DeviceComposite, 9,
     /// elsewhere.
     BoxContents const& contents() const { return m_contents; }
     void AddContents(BoxContents const& contents) { m_contents.add(contents); }
+    /// What its own place told when it was found; null behind a plain adapter.
+    Common::copy_ptr<Records::SENSE_BUS_PARAMETERS> const& record() const { return m_record; }
+    void SetRecord(Common::copy_ptr<Records::SENSE_BUS_PARAMETERS> const& record) { m_record = record; }
 
   protected:
     Common::string toStringImpl() const override { return uniqueIdentifier(); }
     void takeOver(StorageEnclosure const& twin) override {
         m_otherPlaces = twin.m_otherPlaces;
         m_contents = twin.m_contents;
+        m_record = twin.m_record;
     }
 
   private:
@@ -75,6 +81,7 @@ class StorageEnclosure : public Node<StorageEnclosure, Core::DeviceComposite, 9,
     Common::list<CageLocation> m_cages;
     Common::list<CageLocation> m_otherPlaces;
     BoxContents m_contents;
+    Common::copy_ptr<Records::SENSE_BUS_PARAMETERS> m_record;
 };
 
 /// The drive bays of an enclosure, or of one half of a duplex enclosure. `port` is the controller's port in

@@ -218,6 +218,57 @@ TEST_F(DriveRoom, SendsNothingToADriveThatTheListOfDevicesDoesNotHave) {
     EXPECT_EQ(before, journalSize());
 }
 
+/// Two looks at a place tell of its drives: one that makes the box, and one that makes its cage. Whichever of
+/// them fails, no drive may be lost, or be there twice: their number decides what goes into a controller's
+/// memory.
+TEST_F(DriveRoom, FindsEachDriveOnceWhicheverLookFails) {
+    std::vector<std::string> const numbers = {"0", "1", "2", "3", "4"};
+    for (char const* serial : {"BOX1", ""}) {
+        for (char const* action :
+             {R"({"errno": "EIO"})", R"({"command_status": 4})", R"({"truncate": 300})"}) {
+            json scenario = oneController(json::parse(R"({"drives": [
+                {"name": "a"}, {"name": "b"}, {"name": "c"}, {"name": "d"}, {"name": "e"}],
+                "boxes": [{"bus": 8, "target": 0, "number": 1, "bays": 4, "drives": [1, 2, 4],
+                           "paths": [{"bus": 9, "target": 0, "number": 1}]}]})"));
+            scenario["devices"][0]["boxes"][0]["serial"] = serial;
+            for (int look = 1; look <= 9; ++look) {
+                SCOPED_TRACE(std::string(serial) + action + std::to_string(look));
+                start(scenario);
+                addFault((R"({"match": {"command": "0x65", "nth": )" + std::to_string(look) +
+                          R"(}, "action": )" + action + "}")
+                             .c_str());
+                for (int pass = 0; pass < 2; ++pass) {
+                    discover();
+                    std::vector<std::string> found;
+                    for (DevicePointer const& each : below(only(), "PHYSICAL_DRIVE"))
+                        found.push_back(attribute(*each, "ATTR_NAME_DEVICE_NUMBER"));
+                    std::sort(found.begin(), found.end());
+                    EXPECT_EQ(numbers, found) << pass;
+                }
+            }
+        }
+    }
+}
+
+/// A drive's identity is asked for anew for two minutes; what a run can do without, twice.
+TEST_F(DriveRoom, DoesNotWaitLongForWhatItCanDoWithout) {
+    start(oneController(json::parse(R"({"identify": {"dwYetMoreControllerFlags": "0x20000001"},
+        "drives": [{"name": "a", "erase": {"status": 2, "pattern": 1, "percent": 40}}]})")));
+    for (char const* code : {"0xA0", "0xE5"}) {
+        addFault((std::string(R"({"match": {"command": ")") + code +
+                  R"("}, "action": {"scsi_status": 2, "sense": [2, 4, 1]}})")
+                     .c_str());
+    }
+    discover();
+    auto const count = [&](char const* end) {
+        auto const lines = exchanges();
+        return std::count_if(lines.begin(), lines.end(),
+                             [&](std::string const& line) { return line.find(end, 12) == 12; });
+    };
+    EXPECT_EQ(3, count("a0"));
+    EXPECT_EQ(3, count("e5"));
+}
+
 TEST_F(DriveRoom, HasDrivesBehindPlainAdapters) {
     discover(json::parse(R"({"devices": [{"name": "hba", "kind": "csmi_adapter",
         "pci": {"address": "0000:05:00.0", "driver": "mpt2sas"},
