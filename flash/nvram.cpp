@@ -91,7 +91,7 @@ std::vector<std::uint8_t> answeringI2CIdentities(Core::Device& controller) {
         sense.SetDetails(identityField(identity));
         // Of passing conditions only: nobody there isn't one.
         sense.SetNumMaxRetries(REPEATS);
-        if (sense(*commands)) {
+        if (sense(*commands) && sense.receivedLength() != 0) {
             answering.push_back(static_cast<std::uint8_t>(identity));
         } else if (!sense.isDelivered() && ++undelivered == MOST_UNDELIVERED) {
             Common::DebugLogger::LogCommand(

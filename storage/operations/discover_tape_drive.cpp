@@ -25,6 +25,12 @@ constexpr unsigned SEQUENTIAL_ACCESS = 1;
 /// In a product identifier it stands before the speed of a drive that can recover a machine by one button.
 constexpr char RECOVERY_MARK[] = "DR-";
 
+/// Each page comes with the status that it was answered with; of a refused one the record has old bytes.
+template <class Member>
+Common::string ifGood(unsigned char scsiStatus, Member const& member) {
+    return scsiStatus == 0 ? memberText(member) : Common::string();
+}
+
 constexpr PublishRow<Inquiry> TAPE_ROWS[] = {
     {Names::ATTR_NAME_VENDOR_ID, [](auto& r) { return memberText(r.standardInquiryResponse.sVendorID); },
      KSL_END(standardInquiryResponse)},
@@ -34,14 +40,20 @@ constexpr PublishRow<Inquiry> TAPE_ROWS[] = {
      [](auto& r) { return memberText(r.standardInquiryResponse.sProductRevisionLevel); },
      KSL_END(standardInquiryResponse)},
     {Names::ATTR_NAME_SERIAL_NUMBER,
-     [](auto& r) { return memberText(r.deviceInformationResponse.sSerialNumber); },
+     [](auto& r) {
+         return ifGood(r.bDeviceInformationPageSCSIStatus, r.deviceInformationResponse.sSerialNumber);
+     },
      KSL_END(deviceInformationResponse)},
-    {Names::ATTR_NAME_KESTAL_VENDOR_ID, [](auto& r) { return memberText(r.kestalInquiryResponse.sVendorID); },
+    {Names::ATTR_NAME_KESTAL_VENDOR_ID,
+     [](auto& r) { return ifGood(r.bKestalInquiryPageSCSIStatus, r.kestalInquiryResponse.sVendorID); },
      KSL_END(kestalInquiryResponse)},
     {Names::ATTR_NAME_KESTAL_PRODUCT_ID,
-     [](auto& r) { return memberText(r.kestalInquiryResponse.sProductID); }, KSL_END(kestalInquiryResponse)},
+     [](auto& r) { return ifGood(r.bKestalInquiryPageSCSIStatus, r.kestalInquiryResponse.sProductID); },
+     KSL_END(kestalInquiryResponse)},
     {Names::ATTR_NAME_KESTAL_REVISION_LEVEL,
-     [](auto& r) { return memberText(r.kestalInquiryResponse.sProductRevisionLevel); },
+     [](auto& r) {
+         return ifGood(r.bKestalInquiryPageSCSIStatus, r.kestalInquiryResponse.sProductRevisionLevel);
+     },
      KSL_END(kestalInquiryResponse)},
 };
 
@@ -84,9 +96,11 @@ Core::OperationReturn DiscoverTapeDrive::discover(Core::Device& parent, BMICDevi
     ListedDevices const devices(controller, PhysicalDeviceIterator::TAPE_TYPE);
     for (unsigned short const number : maps.others.numbers()) {
         SensePhysicalDriveCommand<PassThroughSpecialInquiryTrait, false> inquiry(number);
-        bool const answered =
-            inquiry(commands) && inquiry.receivedLength() >= KSL_END(standardInquiryResponse);
         Inquiry const& record = inquiry.record();
+        // The controller may answer for a drive that didn't: zeros, which would tell of a disk.
+        bool const answered = inquiry(commands) &&
+                              inquiry.receivedLength() >= KSL_END(standardInquiryResponse) &&
+                              record.bInquirySCSIStatus == 0;
         unsigned const type =
             record.standardInquiryResponse.deviceInfo.bPeripheralType & PERIPHERAL_TYPE_BITS;
         if (answered ? type != SEQUENTIAL_ACCESS : !devices.has(number)) continue;

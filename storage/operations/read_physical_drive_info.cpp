@@ -1,5 +1,6 @@
 #include "storage/operations/read_physical_drive_info.h"
 
+#include "common/debug_logger.h"
 #include "core/tolkmod.h"
 #include "storage/operations/publish.h"
 #include "storage/operations/storage_system_finder.h"
@@ -41,6 +42,15 @@ Core::OperationReturn ReadPhysicalDriveInfo::visit(Schema::PhysicalDrive& drive)
     clearOtherRoles(drive);
     Schema::PhysicalDrive::identifyPhysicalDrive(self, drive, drive.physicalDriveNumber(), reply.record,
                                                  result, &reply.received);
+    // Up to the type of device: less doesn't tell whether the drive works, nor whether it rotates.
+    constexpr unsigned NEEDED = KSL_MEMBER_END(PHYSICAL_DRIVE_STATUS, bDeviceType);
+    if (result && reply.received < NEEDED) {
+        Common::DebugLogger::LogCommand(
+            "Identify reply of drive %u refused: %u bytes came, at least %u expected",
+            static_cast<unsigned>(drive.physicalDriveNumber()), reply.received, NEEDED);
+        result.Receive(Core::Attribute(Results::ATTR_NAME_STATUS, Results::ATTR_VALUE_STATUS_FAILURE));
+        return result;
+    }
     if (!result) {
         if (isNotSupported(result)) {
             publish(drive, Names::ATTR_NAME_STATUS, Names::ATTR_VALUE_STATUS_NOT_SUPPORTED);

@@ -207,7 +207,7 @@ TEST_F(Drives, OfMapsOfWhichOneIsRefusedAreTheFirst128) {
 }
 
 TEST_F(Drives, BelongToTheirCageAndTapesAreNoDisks) {
-    Bytes record = identify({1, 2, 3, 4, 9, 10}, {4, 6, 9, 10});
+    Bytes record = identify({1, 2, 3, 4, 9, 10}, {4, 6, 7, 9, 10});
     record[168] = 0x01;  // bus 0, target 0
     controllerThatTells(record);
     answers->management[{0x65, 0, 0}] = cageWith({2, 3, 9});
@@ -220,10 +220,13 @@ TEST_F(Drives, BelongToTheirCageAndTapesAreNoDisks) {
         answers->management[{0x92, number, 0}] = inquiry;
     }
     answers->addUnit(6, 1);  // a tape drive that doesn't answer
+    answers->addUnit(7, 1);  // nor does this one, but the controller does for it
+    answers->management[{0x92, 7, 0}] = Bytes(802);
+    answers->management[{0x92, 7, 0}][5] = 2;
     reply(4) = drive();
     discover();
     EXPECT_EQ((Numbers{1}), numbersBelow(only()));
-    EXPECT_EQ((Numbers{4, 6}), numbersBelow(only(), "TAPE_DRIVE"));
+    EXPECT_EQ((Numbers{4, 6, 7}), numbersBelow(only(), "TAPE_DRIVE"));
     auto const enclosures = below(only(), "STORAGE_ENCLOSURE");
     ASSERT_EQ(1U, enclosures.size());
     auto const cages = below(*enclosures[0], "DRIVE_CAGE");
@@ -251,6 +254,19 @@ TEST_F(Drives, BelongToTheirCageAndTapesAreNoDisks) {
         EXPECT_EQ(row.second, told(*tapes[1], row.name)) << row.name;
     }
     EXPECT_EQ(ABSENT, told(*below(*cages[0], "TAPE_DRIVE")[0], "OBDR_MODE"));
+}
+
+/// Firmware for a drive would go to the first of several devices.
+TEST_F(Drives, OfOneNumberHaveNoHandle) {
+    controllerThatTells(identify({1, 2}));
+    for (unsigned const unit : {1U, 2U, 3U})
+        answers->addUnit(unit, 0);
+    answers->units[64] = 1;  // the index of the third
+    discover();
+    auto const drives = below(only(), "PHYSICAL_DRIVE");
+    ASSERT_EQ(2U, drives.size());
+    EXPECT_TRUE(dynamic_cast<ConcreteSCSIDevice&>(*drives[0]).handle().empty());
+    EXPECT_FALSE(dynamic_cast<ConcreteSCSIDevice&>(*drives[1]).handle().empty());
 }
 
 /// A position that doesn't answer is no cage, and its drives aren't lost.
@@ -339,6 +355,10 @@ TEST_F(Drives, TellWhatTheirRecordHas) {
         {120, {9}, "INTERFACE", "UNKNOWN"},
         {120, {}, "EXINFO_SUPPORTED", "FALSE"},
         {120, {4}, "EXINFO_SUPPORTED", "TRUE"},
+        {92,
+         {'S', 'X', 'S', '0', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4},
+         "EXINFO_SUPPORTED",
+         "FALSE"},
         {138, {0x40, 0x01}, "RIS_BLOCKS", "320"},
         {142, {0x50, 0, 0xC5, 0, 1, 2, 3, 4}, "WWID", "5000C50001020304"},
         {142, {}, "WWID", ABSENT},
@@ -366,6 +386,10 @@ TEST_F(Drives, TellWhatTheirRecordHas) {
         std::copy(row.bytes.begin(), row.bytes.end(), record.begin() + static_cast<std::ptrdiff_t>(row.at));
         EXPECT_EQ(row.value, told(discoveredDrive(record), row.name)) << row.name << " at " << row.at;
     }
+    Bytes excepted = drive();
+    put(excepted, 12, "ATA     VQ0060EACXK     ");
+    excepted[120] = 3;
+    EXPECT_EQ("FALSE", told(discoveredDrive(excepted), "EXINFO_SUPPORTED")) << "this model alone";
     // Firmware whose records end earlier has no members behind; zeros there are no values.
     Bytes short_ = drive();
     short_.resize(1792);
@@ -432,6 +456,7 @@ TEST_F(Drives, TellMoreBehindControllersThatKnowMore) {
         Core::Device& device = *below(only(), "PHYSICAL_DRIVE")[0];
         EXPECT_EQ(row.status, told(device, "ERASE_STATUS")) << row.offset;
         EXPECT_EQ(row.percent, told(device, "ERASE_PERCENT_COMPLETE")) << row.offset;
+        EXPECT_EQ(row.percent == ABSENT ? ABSENT : "RANDOM_RANDOM_ZERO", told(device, "ERASE_PATTERN"));
     }
 }
 
@@ -444,14 +469,28 @@ TEST_F(Drives, CountTheirErrorsAndTellTheirParallelBus) {
     putNumber(counts, 4, 4, 600);
     putNumber(counts, 8, 8, 0x123456789A);
     putNumber(counts, 28, 4, 0x89ABCDEF);
+    putNumber(counts, 122, 4, 9);
     answers->management[{0xA0, 0, 0}] = counts;
     discover();
     Core::Device& device = *below(only(), "PHYSICAL_DRIVE")[0];
     EXPECT_EQ("10", told(device, "MNP_SERVICE_HOURS"));
     EXPECT_EQ("78187493530", told(device, "MNP_SECTORS_READ"));
     EXPECT_EQ("2309737967", told(device, "MNP_RETRY_RECOVERED_READ_ERRORS"));
-    EXPECT_EQ("ULTRA_320", told(device, "TRANSFER_MODE"));
-    EXPECT_EQ("320", told(device, "TRANSFER_RATE"));
+    EXPECT_EQ("9", told(device, "MNP_BAD_TARGET_ERRORS"));
+    // The fastest of the speeds that the bus was set to, in megabytes a second; bit 0 makes a bus wide.
+    struct Row {
+        std::uint8_t speeds;
+        char const* mode;
+        char const* rate;
+    };
+    for (Row const& row : {Row{0x31, "ULTRA_320", "320"}, Row{0x20, "ULTRA_320", "160"},
+                           Row{0x11, "ULTRA_3", "160"}, Row{0x09, "ULTRA_2", "80"}, Row{0x04, "ULTRA", "20"},
+                           Row{0x03, "FAST", "20"}, Row{0x01, "ASYNCHRONOUS", ABSENT}}) {
+        reply(0)[108] = row.speeds;
+        EXPECT_TRUE(device.perform(read()));
+        EXPECT_EQ(row.mode, told(device, "TRANSFER_MODE"));
+        EXPECT_EQ(row.rate, told(device, "TRANSFER_RATE")) << row.mode;
+    }
     answers->management.erase({0xA0, 0, 0});
     EXPECT_TRUE(device.perform(read())) << "counts that aren't there are no failure";
     EXPECT_EQ(ABSENT, told(device, "MNP_SERVICE_HOURS"));
@@ -468,6 +507,14 @@ TEST_F(Drives, ThatDoNotAnswerStayInTheTree) {
     EXPECT_EQ("NOT_SUPPORTED", told(*drives[1], "STATUS"));
     EXPECT_EQ("1", told(*drives[1], "DEVICE_NUMBER"));
     EXPECT_EQ("OK", told(*drives[2], "STATUS"));
+    // Half an identity doesn't make a drive a healthy one, nor take from it that it is solid state.
+    for (std::size_t const size : {0U, 100U, 120U}) {
+        reply(2).resize(size);
+        reply(2).resize(size, 0xFF);
+        EXPECT_FALSE(drives[2]->perform(read())) << size;
+        EXPECT_EQ("SAS", told(*drives[2], "INTERFACE"));
+        EXPECT_EQ("VSN-0001", told(*drives[2], "SERIAL_NUMBER"));
+    }
     answers.reset();
     addFault(R"({"match": {"command": "0x15"}, "action": {"errno": "EIO"}})");
     EXPECT_FALSE(drives[0]->perform(read()));
