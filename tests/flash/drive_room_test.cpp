@@ -21,15 +21,12 @@ namespace {
 class DriveRoom : public FlashTest {
   protected:
     DriveRoom() {
-        for (auto const& [type, operation] : {std::pair{"ARRAY_CONTROLLER", "DISCOVER_STORAGE_ENCLOSURES"},
-                                              {"ARRAY_CONTROLLER", "DISCOVER_PHYSICAL_DRIVES"},
-                                              {"ARRAY_CONTROLLER", "DISCOVER_TAPE_DRIVES"},
-                                              {"STORAGE_ENCLOSURE", "DISCOVER_DRIVE_CAGES"},
-                                              {"DRIVE_CAGE", "DISCOVER_PHYSICAL_DRIVES"},
-                                              {"PHYSICAL_DRIVE", "READ_PHYSICAL_DRIVE_INFO"}}) {
-            Core::Device::RegisterOperation((std::string("ATTR_VALUE_TYPE_") + type).c_str(),
-                                            (std::string("OPERATION_") + operation).c_str());
-        }
+        activate({{"ARRAY_CONTROLLER", "DISCOVER_STORAGE_ENCLOSURES"},
+                  {"ARRAY_CONTROLLER", "DISCOVER_PHYSICAL_DRIVES"},
+                  {"ARRAY_CONTROLLER", "DISCOVER_TAPE_DRIVES"},
+                  {"STORAGE_ENCLOSURE", "DISCOVER_DRIVE_CAGES"},
+                  {"DRIVE_CAGE", "DISCOVER_PHYSICAL_DRIVES"},
+                  {"PHYSICAL_DRIVE", "READ_PHYSICAL_DRIVE_INFO"}});
     }
 
     /// All below a device, of one type.

@@ -13,12 +13,10 @@ class FlashTest : public StorageTest {
   protected:
     FlashTest() {
         Interface::FlashMod::InitializeModule();
-        for (char const* operation :
-             {"OPERATION_WRITE_FLASH_ARRAY_CONTROLLER_FIRMWARE", "OPERATION_WRITE_TOGGLE_ACTIVE_ROM_IMAGE",
-              "OPERATION_WRITE_SOFT_RESET_ARRAY_CONTROLLER",
-              "OPERATION_WRITE_SET_BACKGROUND_ACTIVITY_STATE"}) {
-            Core::Device::RegisterOperation("ATTR_VALUE_TYPE_ARRAY_CONTROLLER", operation);
-        }
+        activate({{"ARRAY_CONTROLLER", "WRITE_FLASH_ARRAY_CONTROLLER_FIRMWARE"},
+                  {"ARRAY_CONTROLLER", "WRITE_TOGGLE_ACTIVE_ROM_IMAGE"},
+                  {"ARRAY_CONTROLLER", "WRITE_SOFT_RESET_ARRAY_CONTROLLER"},
+                  {"ARRAY_CONTROLLER", "WRITE_SET_BACKGROUND_ACTIVITY_STATE"}});
     }
 
     using Arguments = std::vector<std::pair<char const*, std::string>>;

@@ -74,11 +74,10 @@ constexpr ModelRow MODELS[] = {
 class SepMachineTest : public FlashTest {
   protected:
     SepMachineTest() {
-        Core::Device::RegisterOperation("ATTR_VALUE_TYPE_ARRAY_CONTROLLER",
-                                        "OPERATION_DISCOVER_STORAGE_ENCLOSURES");
-        Core::Device::RegisterOperation("ATTR_VALUE_TYPE_STORAGE_ENCLOSURE", "OPERATION_DISCOVER_SEPS");
-        for (char const* type : {"ATTR_VALUE_TYPE_ARRAY_CONTROLLER", "ATTR_VALUE_TYPE_SEP"})
-            Core::Device::RegisterOperation(type, "OPERATION_WRITE_FLASH_SEP_FIRMWARE");
+        activate({{"ARRAY_CONTROLLER", "DISCOVER_STORAGE_ENCLOSURES"},
+                  {"STORAGE_ENCLOSURE", "DISCOVER_SEPS"},
+                  {"ARRAY_CONTROLLER", "WRITE_FLASH_SEP_FIRMWARE"},
+                  {"SEP", "WRITE_FLASH_SEP_FIRMWARE"}});
     }
 
     using FlashTest::start;
@@ -222,9 +221,7 @@ INSTANTIATE_TEST_SUITE_P(All, SepModels, ::testing::ValuesIn(MODELS));
 /// Where each processor is after a discovery: "box <index>" or "controller", and its number.
 class SepPlaces : public SepMachineTest {
   protected:
-    SepPlaces() {
-        Core::Device::RegisterOperation("ATTR_VALUE_TYPE_ARRAY_CONTROLLER", "OPERATION_DISCOVER_SEPS");
-    }
+    SepPlaces() { activate({{"ARRAY_CONTROLLER", "DISCOVER_SEPS"}}); }
 
     /// Two boxes with bays, of one processor each, 41 and 42, that share a serial number or have none.
     static json boxes(char const* serials, json const& more = json::object()) {
@@ -372,7 +369,7 @@ TEST_F(SepMachineTest, BehindAPlainAdapterTheListTellsWhoCameBack) {
                                 {"device", "0x0072"},
                                 {"class", "0x010700"},
                                 {"driver", "mpt2sas"}}}};
-        Core::Device::RegisterOperation("ATTR_VALUE_TYPE_HBA", "OPERATION_DISCOVER_STORAGE_ENCLOSURES");
+        activate({{"HBA", "DISCOVER_STORAGE_ENCLOSURES"}});
         discover({{"devices", json::array({adapter})}});
         image = simulator::makeImage("ENCL 16 SEP", "2.10", IMAGE_SIZE, 7);
         auto const adapters = children("ATTR_VALUE_TYPE_HBA");

@@ -92,16 +92,13 @@ Bytes configuration(Numbers const& data, Numbers const& spares) {
 class Drives : public StorageTest {
   protected:
     Drives() {
-        for (auto const& [type, operation] : {std::pair{"ARRAY_CONTROLLER", "DISCOVER_STORAGE_ENCLOSURES"},
-                                              {"ARRAY_CONTROLLER", "DISCOVER_PHYSICAL_DRIVES"},
-                                              {"ARRAY_CONTROLLER", "DISCOVER_TAPE_DRIVES"},
-                                              {"STORAGE_ENCLOSURE", "DISCOVER_DRIVE_CAGES"},
-                                              {"DRIVE_CAGE", "DISCOVER_PHYSICAL_DRIVES"},
-                                              {"DRIVE_CAGE", "DISCOVER_TAPE_DRIVES"},
-                                              {"PHYSICAL_DRIVE", "READ_PHYSICAL_DRIVE_INFO"}}) {
-            Core::Device::RegisterOperation((std::string("ATTR_VALUE_TYPE_") + type).c_str(),
-                                            (std::string("OPERATION_") + operation).c_str());
-        }
+        activate({{"ARRAY_CONTROLLER", "DISCOVER_STORAGE_ENCLOSURES"},
+                  {"ARRAY_CONTROLLER", "DISCOVER_PHYSICAL_DRIVES"},
+                  {"ARRAY_CONTROLLER", "DISCOVER_TAPE_DRIVES"},
+                  {"STORAGE_ENCLOSURE", "DISCOVER_DRIVE_CAGES"},
+                  {"DRIVE_CAGE", "DISCOVER_PHYSICAL_DRIVES"},
+                  {"DRIVE_CAGE", "DISCOVER_TAPE_DRIVES"},
+                  {"PHYSICAL_DRIVE", "READ_PHYSICAL_DRIVE_INFO"}});
     }
     ~Drives() override { answers.reset(); }
 
@@ -125,13 +122,6 @@ class Drives : public StorageTest {
         return *found.front();
     }
 
-    static std::vector<DevicePointer> below(Core::Device const& parent, char const* type) {
-        std::vector<DevicePointer> found;
-        for (auto child = parent.beginChild(); child != parent.endChild(); ++child)
-            if (attribute(**child, "ATTR_NAME_TYPE") == std::string("ATTR_VALUE_TYPE_") + type)
-                found.push_back(*child);
-        return found;
-    }
     static OperationPointer read() { return OperationPointer(new Operations::ReadPhysicalDriveInfo); }
     static Numbers numbersBelow(Core::Device const& parent, char const* type = "PHYSICAL_DRIVE") {
         Numbers numbers;

@@ -41,16 +41,13 @@ Bytes box(std::string const& serial, std::string const& port = "1E", unsigned nu
 class Enclosures : public StorageTest {
   protected:
     Enclosures() {
-        for (auto const& [type, operation] : {std::pair{"ARRAY_CONTROLLER", "STORAGE_ENCLOSURES"},
-                                              {"ARRAY_CONTROLLER", "SEPS"},
-                                              {"ARRAY_CONTROLLER", "EXPANDERS"},
-                                              {"STORAGE_ENCLOSURE", "SEPS"},
-                                              {"STORAGE_ENCLOSURE", "EXPANDERS"},
-                                              {"STORAGE_ENCLOSURE", "DRIVE_CAGES"},
-                                              {"SEP", "PHYS"}}) {
-            Core::Device::RegisterOperation((std::string("ATTR_VALUE_TYPE_") + type).c_str(),
-                                            (std::string("OPERATION_DISCOVER_") + operation).c_str());
-        }
+        activate({{"ARRAY_CONTROLLER", "DISCOVER_STORAGE_ENCLOSURES"},
+                  {"ARRAY_CONTROLLER", "DISCOVER_SEPS"},
+                  {"ARRAY_CONTROLLER", "DISCOVER_EXPANDERS"},
+                  {"STORAGE_ENCLOSURE", "DISCOVER_SEPS"},
+                  {"STORAGE_ENCLOSURE", "DISCOVER_EXPANDERS"},
+                  {"STORAGE_ENCLOSURE", "DISCOVER_DRIVE_CAGES"},
+                  {"SEP", "DISCOVER_PHYS"}});
     }
     ~Enclosures() override { answers.reset(); }
 
@@ -69,13 +66,6 @@ class Enclosures : public StorageTest {
         answers->management[{0x65, 8, 0}] = record;
     }
 
-    static std::vector<DevicePointer> below(Core::Device const& parent, char const* type) {
-        std::vector<DevicePointer> found;
-        for (auto child = parent.beginChild(); child != parent.endChild(); ++child)
-            if (attribute(**child, "ATTR_NAME_TYPE") == std::string("ATTR_VALUE_TYPE_") + type)
-                found.push_back(*child);
-        return found;
-    }
     std::vector<DevicePointer> enclosures() const { return below(only(), "STORAGE_ENCLOSURE"); }
     /// The only enclosure after a discovery.
     DevicePointer discovered() {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <utility>
@@ -86,15 +87,12 @@ class StorageTest : public simulator_test::MachineTest {
         Interface::CommandMod::InitializeModule(false);
         Interface::TOLKMod::InitializeModule(false, false);
         Interface::StorageMod::InitializeModule();
-        for (char const* operation :
-             {"OPERATION_DISCOVER_HOST_BUS_ADAPTERS", "OPERATION_DISCOVER_ARRAY_CONTROLLERS",
-              "OPERATION_WRITE_ALLOWED_CONTROLLER_DISCOVERY"}) {
-            Core::Device::RegisterOperation("ATTR_VALUE_TYPE_MOD_ROOT", operation);
-        }
-        for (char const* operation : {"OPERATION_READ_BMIC_COMMAND", "OPERATION_WRITE_BMIC_COMMAND",
-                                      "OPERATION_READ_ARRAY_CONTROLLER_INFO"}) {
-            Core::Device::RegisterOperation("ATTR_VALUE_TYPE_ARRAY_CONTROLLER", operation);
-        }
+        activate({{"MOD_ROOT", "DISCOVER_HOST_BUS_ADAPTERS"},
+                  {"MOD_ROOT", "DISCOVER_ARRAY_CONTROLLERS"},
+                  {"MOD_ROOT", "WRITE_ALLOWED_CONTROLLER_DISCOVERY"},
+                  {"ARRAY_CONTROLLER", "READ_BMIC_COMMAND"},
+                  {"ARRAY_CONTROLLER", "WRITE_BMIC_COMMAND"},
+                  {"ARRAY_CONTROLLER", "READ_ARRAY_CONTROLLER_INFO"}});
     }
     ~StorageTest() override { powerOff(); }
 
@@ -126,12 +124,24 @@ class StorageTest : public simulator_test::MachineTest {
         discover();
     }
 
-    std::vector<DevicePointer> children(std::string const& type) const {
+    /// Switches operations on: device type and operation, without what all types and operations begin with.
+    static void activate(std::initializer_list<std::pair<char const*, char const*>> operations) {
+        for (auto const& [type, operation] : operations) {
+            Core::Device::RegisterOperation((std::string("ATTR_VALUE_TYPE_") + type).c_str(),
+                                            (std::string("OPERATION_") + operation).c_str());
+        }
+    }
+
+    /// The children of one type, without what all types begin with.
+    static std::vector<DevicePointer> below(Core::Device const& parent, std::string const& type) {
         std::vector<DevicePointer> found;
-        for (auto child = root->beginChild(); child != root->endChild(); ++child) {
-            if (attribute(**child, "ATTR_NAME_TYPE") == type) found.push_back(*child);
+        for (auto child = parent.beginChild(); child != parent.endChild(); ++child) {
+            if (attribute(**child, "ATTR_NAME_TYPE") == "ATTR_VALUE_TYPE_" + type) found.push_back(*child);
         }
         return found;
+    }
+    std::vector<DevicePointer> children(std::string const& type) const {
+        return below(*root, type.substr(sizeof "ATTR_VALUE_TYPE_" - 1));
     }
     std::vector<DevicePointer> controllers() const { return children("ATTR_VALUE_TYPE_ARRAY_CONTROLLER"); }
     /// One attribute of each controller, in the tree's order.
