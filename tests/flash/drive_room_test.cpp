@@ -247,6 +247,29 @@ TEST_F(DriveRoom, FindsEachDriveOnceWhicheverLookFails) {
     }
 }
 
+/// Behind 128 devices the configuration's maps stand elsewhere.
+TEST_F(DriveRoom, TellsTheRolesOfDrivesInExtendedMaps) {
+    json scenario =
+        oneController({{"drives", json::array()}, {"logical_drives", json::array({json::object()})}});
+    for (int i = 0; i < 140; ++i)
+        scenario["devices"][0]["drives"].push_back({{"name", "d" + std::to_string(i)}});
+    for (auto const& [number, role] : {std::pair{0, "data"}, {130, "data"}, {127, "spare"}, {135, "spare"}})
+        scenario["devices"][0]["drives"][static_cast<unsigned>(number)]["role"] = role;
+    discover(scenario);
+    ASSERT_EQ(140U, below(only(), "PHYSICAL_DRIVE").size());
+    for (auto const& [number, role] : {std::pair{"0", "DATA"},
+                                       {"130", "DATA"},
+                                       {"127", "SPARE"},
+                                       {"135", "SPARE"},
+                                       {"2", "UNASSIGNED"},
+                                       {"128", "UNASSIGNED"},
+                                       {"139", "UNASSIGNED"}}) {
+        EXPECT_EQ(std::string("ATTR_VALUE_DRIVE_TYPE_") + role,
+                  attribute(*drive(number), "ATTR_NAME_DRIVE_TYPE"))
+            << number;
+    }
+}
+
 /// A drive's identity is asked for anew for two minutes; what a run can do without, twice.
 TEST_F(DriveRoom, DoesNotWaitLongForWhatItCanDoWithout) {
     start(oneController(json::parse(R"({"identify": {"dwYetMoreControllerFlags": "0x20000001"},
