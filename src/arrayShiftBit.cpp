@@ -1,10 +1,9 @@
 #include "src/arrayShiftBit.h"
 
-#include <algorithm>
-
 #include "src/CLI.h"
 #include "src/deviceAttributes.h"
 #include "src/deviceCollection.h"
+#include "src/flashRun.h"
 #include "src/managementObjects.h"
 #include "src/runState.h"
 #include "storage/vocabulary/array_controller_names.h"
@@ -36,14 +35,20 @@ bool isSmall(Device_Info const& info) {
 }
 
 /// Nothing else tells two controllers of one serial number apart: the first row and the first management
-/// object stay the ones. The rows are asked since looking further would send commands to other controllers.
+/// object stay the ones. The tree is asked, not the rows: a controller that the package doesn't concern has
+/// no row, and may be the one that is written to. Asking the management objects would cost commands.
 void warnOfTwins(std::string const& serial) {
-    auto const rows = std::count_if(deviceInfoCltn, deviceInfoCltn + discoveredDeviceCount,
-                                    [&](Device_Info const& one) { return serial == one.serialNum; });
-    if (rows > 1) {
+    int controllers = 0;
+    if (pRoot) {
+        for (auto child = pRoot->beginChild(); child != pRoot->endChild(); ++child) {
+            controllers += (*child)->hasAttribute(Names::ATTR_NAME_CONTROLLER_SERIAL_NUMBER) &&
+                           getValue(*child, Names::ATTR_NAME_CONTROLLER_SERIAL_NUMBER, "") == serial;
+        }
+    }
+    if (controllers > 1) {
         cli.logVerbose(
             "setArrayShiftBit: %d controllers with serial number %s, 1 expected: taking the first\n",
-            static_cast<int>(rows), serial.c_str());
+            controllers, serial.c_str());
     }
 }
 

@@ -8,6 +8,7 @@
 
 #include "infomgr/info_mgr_root.h"
 #include "simulator/in_process_door.h"
+#include "src/flashRun.h"
 #include "src/managementObjects.h"
 #include "tests/src/FakeDevices.h"
 #include "tests/src/RunFixture.h"
@@ -25,7 +26,10 @@ constexpr int NO_OBJECT = static_cast<int>(0x80000008);
 class ArrayShiftBitTest : public RunTest {
   protected:
     ArrayShiftBitTest() : controller(fakeController()) { make(0); }
-    ~ArrayShiftBitTest() override { leave(); }
+    ~ArrayShiftBitTest() override {
+        pRoot = DevicePointer();
+        leave();
+    }
 
     /// The second byte of the pair is 7 unless it is written.
     void make(int stored, char const* fault = "[]", char const* serial = "SERIAL1",
@@ -230,11 +234,18 @@ TEST_F(ArrayShiftBitTest, SerialNumberIsTrimmedAsTheDeviceModelTrims) {
     }
 }
 
+// A twin that the package doesn't concern has no row: rows alone told of none, while it was the one written
+// to.
 TEST_F(ArrayShiftBitTest, FirstOfTwoControllersWithOneSerialNumberIsTaken) {
+    char const* const type = "ATTR_VALUE_TYPE_ARRAY_CONTROLLER";
+    Fake root("ATTR_VALUE_TYPE_ROOT", "root");
+    root.add(controller).add(Fake(type, "untold"));
+    root.add(Fake(type, "other", {{"ATTR_NAME_CONTROLLER_SERIAL_NUMBER", "SERIAL10"}}));
+    pRoot = root;
     row("TR57", true, "SERIAL1").numPhyDrives = 4;
     EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
     EXPECT_FALSE(verboseLogHas("1 expected"));
-    row("TR57", true, "SERIAL1").numPhyDrives = 4;
+    root.add(Fake(type, "twin", {{"ATTR_NAME_CONTROLLER_SERIAL_NUMBER", "SERIAL1"}}));
     make(0, "[]", "SERIAL1", "SERIAL1");
     EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
     EXPECT_EQ(machine->devices()[0].nvram, (Nvram{{2045, 2}, {2046, 254}}));
