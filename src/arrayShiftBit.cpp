@@ -52,6 +52,16 @@ void warnOfTwins(std::string const& serial) {
     }
 }
 
+/// The ordinary log gets its line once for the pair of flashes, behind that of the update.
+int leaveAsItIs(std::string const& model, std::string const& reason, bool second) {
+    cli.logVerbose("setArrayShiftBit: %s skipped: %s\n", model.c_str(), reason.c_str());
+    if (second) {
+        cli.log("Skipped: %s: %s: NVRAM bytes %d and %d were left as they are\n", model.c_str(),
+                reason.c_str(), FIRST_OFFSET, SECOND_OFFSET);
+    }
+    return codeOk;
+}
+
 int writeByte(HMGMTOBJECT controller, unsigned char value, unsigned short offset) {
     int const status = writeNVRAMBootStrap(controller, value, offset);
     cli.logVerbose("writeNVRAMBootStrap retuns: %d:byteValue %d\n", status, value);
@@ -76,19 +86,17 @@ bool checkArrayForSetBit(Common::shared_ptr<Core::Device> const& /*controller*/,
     return false;
 }
 
-int setArrayShiftBit(Common::shared_ptr<Core::Device> const& controller, std::string const& model) {
-    // Without a serial number or a row nothing tells which controller to write to and what: the run may not
-    // end as one that updated everything.
+int setArrayShiftBit(Common::shared_ptr<Core::Device> const& controller, std::string const& model,
+                     bool second) {
+    // Without a serial number or a row nothing tells which controller to write to and what. The firmware is
+    // there all the same, and a failure would keep the run from the controllers behind this one.
     if (!controller->hasAttribute(Names::ATTR_NAME_CONTROLLER_SERIAL_NUMBER)) {
-        cli.logVerbose("setArrayShiftBit: %s skipped: no serial number\n", model.c_str());
-        return codeNotFound;
+        return leaveAsItIs(model, "no serial number", second);
     }
     std::string const serial = getValue(controller, Names::ATTR_NAME_CONTROLLER_SERIAL_NUMBER, "");
     Device_Info const* const row = getDeviceInfo(serial);
     if (row == nullptr) {
-        cli.logVerbose("setArrayShiftBit: %s skipped: no row for serial number %s\n", model.c_str(),
-                       serial.c_str());
-        return codeNotFound;
+        return leaveAsItIs(model, "no row for serial number " + serial, second);
     }
     warnOfTwins(serial);
     // A copy, so that the mark doesn't reach the row: both flashes of a controller get here, and the second

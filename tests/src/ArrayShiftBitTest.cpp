@@ -191,14 +191,26 @@ TEST_F(ArrayShiftBitTest, MarkDoesNotReachTheRow) {
     EXPECT_EQ(writes(), 4u);
 }
 
+// Nothing tells which controller is meant. The ordinary log has it once for both flashes.
+TEST_F(ArrayShiftBitTest, ControllerThatCannotBeToldIsLeftAsItIs) {
+    // The row of a cache module has an empty serial number: it isn't this controller's.
+    row("FBWC", true, "");
+    for (Fake const& one : {controller, fakeController({})}) {
+        for (bool const second : {false, true}) {
+            EXPECT_EQ(setArrayShiftBit(one, "TR57", second), 0);
+        }
+    }
+    EXPECT_EQ(machine->exchangeCount(), 0u);
+    EXPECT_EQ(componentLog(),
+              "Skipped: TR57: no row for serial number SERIAL1: NVRAM bytes 2045 and 2046 were left as they "
+              "are\nSkipped: TR57: no serial number: NVRAM bytes 2045 and 2046 were left as they are\n");
+    EXPECT_TRUE(verboseLogHas("setArrayShiftBit: TR57 skipped: no row for serial number SERIAL1\n"));
+}
+
 TEST_F(ArrayShiftBitTest, ControllerThatCannotBeReachedIsReported) {
-    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 10) << "no row";
     row("TR57", true, "SERIAL3");
     Fake const absent = fakeController({{"ATTR_NAME_CONTROLLER_SERIAL_NUMBER", "SERIAL3"}});
     EXPECT_EQ(setArrayShiftBit(absent, "TR57"), 10) << "no controller of this serial number";
-    // The row of a cache module has an empty serial number: it isn't this controller's.
-    row("FBWC", true, "");
-    EXPECT_EQ(setArrayShiftBit(fakeController({}), "TR57"), 10);
     row("TR57", true, "SERIAL1");
     for (char const* fault : {
              R"([{"match": {"device": "one", "command": "INQUIRY"}, "action": {"errno": "EIO"}}])",
