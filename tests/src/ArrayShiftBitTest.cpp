@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <tuple>
 
 #include "infomgr/info_mgr_root.h"
 #include "simulator/in_process_door.h"
@@ -21,6 +23,22 @@ using Nvram = std::map<unsigned, unsigned>;  // offset, value
 constexpr int NOT_OFFERED = static_cast<int>(0x80000004);
 constexpr int NO_OBJECT = static_cast<int>(0x80000008);
 
+/// The door, with a request that reports a failure although all of it was done.
+class FailingDoor : public simulator::InProcessDoor {
+  public:
+    explicit FailingDoor(simulator::Machine& machine) : InProcessDoor(machine), m_machine(machine) {}
+    int ioctl(int descriptor, unsigned long request, void* argument) override {
+        int const result = InProcessDoor::ioctl(descriptor, request, argument);
+        if (failing.empty() || m_machine.journal().back().command != failing) return result;
+        errno = EIO;
+        return -1;
+    }
+    std::string failing;  ///< its name in the journal
+
+  private:
+    simulator::Machine& m_machine;
+};
+
 /// A machine with two controllers, of which the second has the serial number SERIAL1, and the first a longer
 /// one that begins with it.
 class ArrayShiftBitTest : public RunTest {
@@ -32,7 +50,7 @@ class ArrayShiftBitTest : public RunTest {
     }
 
     /// The second byte of the pair is 7 unless it is written.
-    void make(int stored, char const* fault = "[]", char const* serial = "SERIAL1",
+    void make(int stored, char const* fault = "[]", std::string const& serial = "SERIAL1",
               char const* otherSerial = "SERIAL10") {
         leave();
         json scenario = json::parse(R"({"devices": [
@@ -46,7 +64,7 @@ class ArrayShiftBitTest : public RunTest {
         simulator::Machine::create(directory() + "/machine", scenario);
         machine = std::make_unique<simulator::Machine>(directory() + "/machine");
         machine->addFaults(json::parse(fault), "the test's faults");
-        door = std::make_unique<simulator::InProcessDoor>(*machine);
+        door = std::make_unique<FailingDoor>(*machine);
         InfoMgrRoot::Destroy();
     }
     void leave() {
@@ -66,7 +84,7 @@ class ArrayShiftBitTest : public RunTest {
 
     Fake controller;
     std::unique_ptr<simulator::Machine> machine;
-    std::unique_ptr<simulator::InProcessDoor> door;
+    std::unique_ptr<FailingDoor> door;
 };
 
 TEST_F(ArrayShiftBitTest, TwoModelsNeedIt) {
@@ -179,6 +197,19 @@ TEST_F(ArrayShiftBitTest, FailuresOfTheReadAndOfTheSecondWriteCount) {
     }
 }
 
+TEST_F(ArrayShiftBitTest, FixedByteIsLeftAlsoWhenItCameWithAFailure) {
+    row("TR57", true, "SERIAL1").numPhyDrives = 4;
+    for (auto const& [stored, result, writesAfter] :
+         {std::tuple(1, 0, 0u), std::tuple(2, 8, 0u), std::tuple(0, 8, 2u)}) {
+        make(stored);
+        door->failing = "READ NVRAM";
+        EXPECT_EQ(setArrayShiftBit(controller, "TR57"), result) << stored;
+        EXPECT_EQ(writes(), writesAfter) << stored;
+        EXPECT_TRUE(verboseLogHas("ReadNVRAMBootStrap retuns: -2147483643:byteValue " +
+                                  std::to_string(stored) + "\n"));
+    }
+}
+
 // Every controller is flashed twice, and both calls do the work: the mark is set on a copy of the row.
 TEST_F(ArrayShiftBitTest, MarkDoesNotReachTheRow) {
     Device_Info& info = row("TR57", true, "SERIAL1");
@@ -238,12 +269,35 @@ TEST_F(ArrayShiftBitTest, CutSerialNumberIsNoOtherControllers) {
     EXPECT_TRUE(verboseLogHas("\tController Serial Number refused: 7 of 32 bytes arrived\n"));
 }
 
-// The library trims tabs and line ends, too.
+// What lies behind the terminator is none of it: a number was refused for what didn't arrive there.
+TEST_F(ArrayShiftBitTest, SerialNumberEndsAtItsTerminator) {
+    struct {
+        std::string serial;
+        int reply;  ///< bytes that arrive; the number begins at 44
+        bool isFound;
+    } const cases[] = {{{"SERIAL1\0", 8}, 52, true}, {{"SERIAL1\0", 8}, 51, false}, {"SERIAL1", 52, false}};
+    for (auto const& one : cases) {
+        std::string const fault =
+            R"([{"match": {"device": "one", "command": "0x66"}, "action": {"truncate": )";
+        make(0, (fault + std::to_string(one.reply) + "}}]").c_str(), one.serial);
+        EXPECT_EQ(getHandle("SERIAL1") != nullptr, one.isFound) << one.reply;
+    }
+}
+
+// The library trims tabs and line ends, too. The log shows the number as it came.
 TEST_F(ArrayShiftBitTest, SerialNumberIsTrimmedAsTheDeviceModelTrims) {
     for (char const* serial : {"SERIAL1\t", " SERIAL1 ", "\tSERIAL1 \n"}) {
         make(0, "[]", serial);
         EXPECT_NE(getHandle("SERIAL1"), nullptr) << serial;
+        EXPECT_TRUE(verboseLogHas("\t Controller Serial Number = " + std::string(serial))) << serial;
     }
+}
+
+TEST_F(ArrayShiftBitTest, ControllerThatFailedItsDiscoveryHidesNoOther) {
+    row("TR57", true, "SERIAL1").numPhyDrives = 4;
+    make(0, R"([{"match": {"device": "other", "command": "INQUIRY"}, "action": {"errno": "EIO"}}])");
+    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
+    EXPECT_EQ(nvram(), (Nvram{{2045, 2}, {2046, 254}}));
 }
 
 // A twin that the package doesn't concern has no row: rows alone told of none, while it was the one written
@@ -267,7 +321,7 @@ TEST_F(ArrayShiftBitTest, FirstOfTwoControllersWithOneSerialNumberIsTaken) {
 }
 
 TEST_F(ArrayShiftBitTest, HandlesComeFromGetHandleAlone) {
-    EXPECT_EQ(SenseSubsystemInformation(getHandle("SERIAL1")), "SERIAL1");
+    EXPECT_EQ(SenseSubsystemInformation(getHandle("SERIAL1")), "SERIAL1" + std::string(25, ' '));
     EXPECT_EQ(getHandle(""), nullptr);
     EXPECT_EQ(getHandle("SERIAL"), nullptr);
     HMGMTOBJECT const stale = getHandle("SERIAL1");
