@@ -3,7 +3,6 @@
 #include <string>
 
 #include "infomgr/adapter_device.h"
-#include "infomgr/info_mgr_mutex.h"
 #include "infomgr/os_interface.h"
 #include "sysmod/discovery.h"
 #include "sysmod/system_calls.h"
@@ -26,7 +25,6 @@ class LinuxInterface : public OsInterface {
         Interface::SysMod::Discovery::HandleList controllers;
         Interface::SysMod::Discovery::HandleList sasAdapters;
         Interface::SysMod::Discovery::HandleList plainAdapters;
-        InfoMgrMutex::Hold const hold(m_oneWalk);
         Interface::SysMod::Discovery::DiscoverStorageAdapters(controllers, sasAdapters, plainAdapters);
         DeviceList devices;
         if (objectType == InfoMgr::ARRAY_CONTROLLER) {
@@ -36,11 +34,6 @@ class LinuxInterface : public OsInterface {
         }
         return devices;
     }
-
-  private:
-    /// The walk uses the list of drivers, whose look-ups write to it. An old root's discovery may still be
-    /// under way when a new root's begins.
-    InfoMgrMutex m_oneWalk;
 };
 
 }  // namespace

@@ -1,10 +1,9 @@
 #include "src/arrayShiftBit.h"
 
-#include <algorithm>
-
 #include "src/CLI.h"
 #include "src/deviceAttributes.h"
 #include "src/deviceCollection.h"
+#include "src/flashRun.h"
 #include "src/managementObjects.h"
 #include "src/runState.h"
 #include "storage/vocabulary/array_controller_names.h"
@@ -36,15 +35,31 @@ bool isSmall(Device_Info const& info) {
 }
 
 /// Nothing else tells two controllers of one serial number apart: the first row and the first management
-/// object stay the ones. The rows are asked since looking further would send commands to other controllers.
+/// object stay the ones. The tree is asked, not the rows: a controller that the package doesn't concern has
+/// no row, and may be the one that is written to. Asking the management objects would cost commands.
 void warnOfTwins(std::string const& serial) {
-    auto const rows = std::count_if(deviceInfoCltn, deviceInfoCltn + discoveredDeviceCount,
-                                    [&](Device_Info const& one) { return serial == one.serialNum; });
-    if (rows > 1) {
+    int controllers = 0;
+    if (pRoot) {
+        for (auto child = pRoot->beginChild(); child != pRoot->endChild(); ++child) {
+            controllers += (*child)->hasAttribute(Names::ATTR_NAME_CONTROLLER_SERIAL_NUMBER) &&
+                           getValue(*child, Names::ATTR_NAME_CONTROLLER_SERIAL_NUMBER, "") == serial;
+        }
+    }
+    if (controllers > 1) {
         cli.logVerbose(
             "setArrayShiftBit: %d controllers with serial number %s, 1 expected: taking the first\n",
-            static_cast<int>(rows), serial.c_str());
+            controllers, serial.c_str());
     }
+}
+
+/// The ordinary log gets its line once for the pair of flashes, behind that of the update.
+int leaveAsItIs(std::string const& model, std::string const& reason, bool second) {
+    cli.logVerbose("setArrayShiftBit: %s skipped: %s\n", model.c_str(), reason.c_str());
+    if (second) {
+        cli.log("Skipped: %s: %s: NVRAM bytes %d and %d were left as they are\n", model.c_str(),
+                reason.c_str(), FIRST_OFFSET, SECOND_OFFSET);
+    }
+    return codeOk;
 }
 
 int writeByte(HMGMTOBJECT controller, unsigned char value, unsigned short offset) {
@@ -71,19 +86,17 @@ bool checkArrayForSetBit(Common::shared_ptr<Core::Device> const& /*controller*/,
     return false;
 }
 
-int setArrayShiftBit(Common::shared_ptr<Core::Device> const& controller, std::string const& model) {
-    // Without a serial number or a row nothing tells which controller to write to and what: the run may not
-    // end as one that updated everything.
+int setArrayShiftBit(Common::shared_ptr<Core::Device> const& controller, std::string const& model,
+                     bool second) {
+    // Without a serial number or a row nothing tells which controller to write to and what. The firmware is
+    // there all the same, and a failure would keep the run from the controllers behind this one.
     if (!controller->hasAttribute(Names::ATTR_NAME_CONTROLLER_SERIAL_NUMBER)) {
-        cli.logVerbose("setArrayShiftBit: %s skipped: no serial number\n", model.c_str());
-        return codeNotFound;
+        return leaveAsItIs(model, "no serial number", second);
     }
     std::string const serial = getValue(controller, Names::ATTR_NAME_CONTROLLER_SERIAL_NUMBER, "");
     Device_Info const* const row = getDeviceInfo(serial);
     if (row == nullptr) {
-        cli.logVerbose("setArrayShiftBit: %s skipped: no row for serial number %s\n", model.c_str(),
-                       serial.c_str());
-        return codeNotFound;
+        return leaveAsItIs(model, "no row for serial number " + serial, second);
     }
     warnOfTwins(serial);
     // A copy, so that the mark doesn't reach the row: both flashes of a controller get here, and the second

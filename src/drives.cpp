@@ -22,6 +22,18 @@ namespace Names = Interface::StorageMod::PhysicalDrive;
 constexpr char SOLID_STATE_MARK[] = "SSD";
 constexpr char CARRIER_MODEL[] = "LD63i";
 constexpr int CARRIER_ROW = 1;
+/// Whether a controller has solid state drives may hang on such a drive.
+void tellUntoldInterface(Common::shared_ptr<Core::Device> const& drive) {
+    if (!getValue(drive, Names::ATTR_NAME_INTERFACE, "").empty()) {
+        return;
+    }
+    std::string const serial = getValue(drive, Names::ATTR_NAME_SERIAL_NUMBER, "");
+    std::string const number = getValue(drive, Names::ATTR_NAME_DEVICE_NUMBER, "unknown");
+    cli.logVerbose("Drive with %s %s tells no interface: counted as a rotating one\n",
+                   serial.empty() ? "device number" : "serial number",
+                   serial.empty() ? number.c_str() : serial.c_str());
+}
+
 /// The carrier has no catalogue entry to compare with.
 constexpr float NO_CATALOGUE_VERSION = 0;
 
@@ -44,6 +56,7 @@ int CheckArrayForPhysicalDrives(Common::shared_ptr<Core::Device> const& controll
     for (auto const& drive : drives) {
         logAllAttributes(drive);
         value = CheckPhysicalDrive(drive);
+        tellUntoldInterface(drive);
         if (value > 0) {
             ++solidState;
             value = 0;

@@ -111,7 +111,7 @@ int FlashArray(DevicePointer const& device, std::string const& model, bool secon
         cli.log("Updated: %s Slot: %s from %s to %s\n", model.c_str(), slot.c_str(), installed.c_str(),
                 entry->version.c_str());
     }
-    return checkArrayForSetBit(device, model) ? setArrayShiftBit(device, model) : code;
+    return checkArrayForSetBit(device, model) ? setArrayShiftBit(device, model, second) : code;
 }
 
 void sendReadBMICCommand(DevicePointer const& device) {

@@ -1,7 +1,6 @@
 #include "src/managementObjects.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "common/string.h"
 #include "infomgr/request_records.h"
@@ -95,7 +94,9 @@ HMGMTOBJECT getHandle(std::string const& serial) {
             continue;
         }
         cli.logVerbose("****** Controller Found!        Handle: %p ******\n", controller);
-        if (SenseSubsystemInformation(controller) == serial && !serial.empty()) {
+        // The device model tells the number trimmed in the same way.
+        Common::string const told = Common::string(SenseSubsystemInformation(controller).c_str()).Trim();
+        if (told == serial.c_str() && !serial.empty()) {
             return controller;
         }
         cli.logVerbose("\n****** Controller Discovery End Handle: %p ******\n", controller);
@@ -121,20 +122,18 @@ std::string SenseSubsystemInformation(HMGMTOBJECT controller) {
                                             _INFOMGR_BMIC_REQUEST::LENGTH, nullptr, nullptr);
     cli.logVerbose("\tInfoMgrControlObject Return Status: %d\n", status);
     unsigned char const* const member = data + SERIAL_NUMBER;
-    auto const arrived = std::find(member, member + SERIAL_NUMBER_SIZE, UNREAD) - member;
-    if (arrived != SERIAL_NUMBER_SIZE) {
+    unsigned char const* const end = std::find(member, member + SERIAL_NUMBER_SIZE, 0);
+    unsigned char const* const arrived = std::find(member, end, UNREAD);
+    if (arrived != end) {
         // The beginning of a serial number may be another controller's whole one.
         cli.logVerbose("\tController Serial Number refused: %d of %d bytes arrived\n",
-                       static_cast<int>(arrived), static_cast<int>(SERIAL_NUMBER_SIZE));
+                       static_cast<int>(arrived - member), static_cast<int>(SERIAL_NUMBER_SIZE));
         return {};
     }
-    if (*member == 0) {
+    std::string const serial(member, end);
+    if (serial.empty()) {
         return {};
     }
-    char const* const text = reinterpret_cast<char const*>(member);
-    // The device model tells the number trimmed in the same way.
-    Common::string const trimmed = Common::string(text, strnlen(text, SERIAL_NUMBER_SIZE)).Trim();
-    std::string const serial = trimmed.c_str();
     cli.logVerbose("\t Controller Serial Number = %s", serial.c_str());
     return serial;
 }

@@ -11,7 +11,8 @@ using HandleList = Common::list<Common::string>;
 /// What kind of adapter a kernel driver serves.
 enum class EnStorageAdapterType { BlockDriverController, GenericDriverController, SasAdapter };
 
-/// Kernel driver name to adapter kind, filled at its first use.
+/// Kernel driver name to adapter kind, filled at its first use. Even a look-up writes to it: while threads
+/// discover, readPciFunction() alone may use it, which lets in one at a time.
 Common::map<Common::string, EnStorageAdapterType>& StorageAdapterDriverWhiteList();
 
 /// Walks the machine and appends a device handle (sysmod/device_handle.h) for each adapter found, by kind:

@@ -4,6 +4,8 @@
 #include <cctype>
 #include <cstdio>
 
+#include "common/process_mutex.h"
+#include "common/scoped_mutex_lock.h"
 #include "sysmod/directory.h"
 #include "sysmod/system_calls.h"
 
@@ -37,6 +39,22 @@ std::optional<std::string> readIdentity(FMDirectory const& directory, char const
     return digits;
 }
 
+/// The type of a driver of the list, or nothing. A look-up in the list writes the key that it keeps, whose
+/// text counts its shares without atomic operations, and the first one fills the list. The device model and
+/// the management objects walk the machine each in threads of their own, so a look-up is theirs one at a
+/// time, from the making of the key to its end.
+std::optional<Interface::SysMod::Discovery::EnStorageAdapterType> typeOfDriver(std::string const& driver) {
+    using Common::Synchronization::ProcessMutex;
+    static ProcessMutex mutex;
+    Common::Synchronization::ScopedMutexLock<ProcessMutex> const lock(mutex);
+    auto& known = Interface::SysMod::Discovery::StorageAdapterDriverWhiteList();
+    auto const row = known.find(Common::string(driver.c_str()));
+    if (!(row != known.end())) {
+        return std::nullopt;
+    }
+    return (*row).second;
+}
+
 }  // namespace
 
 std::optional<PciFunction> readPciFunction(std::string const& path) {
@@ -63,12 +81,11 @@ std::optional<PciFunction> readPciFunction(std::string const& path) {
         return std::nullopt;
     }
     function.driver = baseName(driverPath);
-    auto& known = Interface::SysMod::Discovery::StorageAdapterDriverWhiteList();
-    auto const row = known.find(Common::string(function.driver.c_str()));
-    if (!(row != known.end())) {
+    auto const type = typeOfDriver(function.driver);
+    if (!type) {
         return std::nullopt;
     }
-    function.type = (*row).second;
+    function.type = *type;
     function.driverVersion = FMDirectory(path + "/driver/module").firstLine("version");
     return function;
 }

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -13,6 +15,7 @@
 #include "infomgr/request_records.h"
 #include "infomgr/version.h"
 #include "simulator/in_process_door.h"
+#include "sysmod/discovery.h"
 #include "tests/simulator/machine_fixture.h"
 
 namespace {
@@ -136,6 +139,11 @@ TEST_F(ManagementObjects, EveryFunctionRefusesWhatIsNoLiveObject) {
         EXPECT_EQ(row.call(theClass), row.ofClass) << row.name;
         EXPECT_EQ(row.call(device), row.ofDevice) << row.name;
     }
+    for (std::uint32_t const length : {12U, 11U}) {
+        std::uint32_t told = 0;
+        EXPECT_EQ(InfoMgrControlObject(nullptr, 0x8003, 1, &request, length, &told, nullptr), length < 12);
+        EXPECT_EQ(told, length);
+    }
     EXPECT_EQ(result, nullptr) << "what makes no handle gives none";
     EXPECT_EQ(std::string(buffer), "/dev/sg0");
     EXPECT_EQ(request.discoveredTypes, 1U);
@@ -221,6 +229,18 @@ TEST_F(ManagementObjects, DeviceThatDoesNotAnswerHasAStatusThatPassesItOver) {
     object(CONTROLLER, 0, 2);
     EXPECT_EQ(object(CONTROLLER | RESCAN, 0), failed) << "answers now";
     EXPECT_EQ(object(CONTROLLER, 0), failed);
+
+    // A rescan of the class asks anew, too, and what came of it replaces what was kept.
+    for (int const status : {2, 0}) {
+        if (status != 0) {
+            machine->addFaults(json::parse(R"([{"match": {"device": "one", "command": "INQUIRY"},
+                                                "action": {"errno": "EIO"}, "times": 1}])"),
+                               "faults of the rescan");
+        }
+        open(CLASS | RESCAN);
+        EXPECT_EQ(object(CONTROLLER, 0, status), failed);
+        EXPECT_EQ(object(CONTROLLER, 0, status), failed);
+    }
 
     HMGMTOBJECT const adapter = object(ADAPTER, 0);
     machine->addFaults(
@@ -417,6 +437,34 @@ TEST_F(ManagementObjects, CanBeGivenUpInTheMiddleOfARequest) {
     EXPECT_EQ(control(controller, 0x8001, &bmic, 40), 0);
     EXPECT_EQ(close, 0) << "the call under way holds it";
     EXPECT_EQ(control(controller, 0x8001, &bmic, 40), NO_OBJECT);
+}
+
+// The device model and the management objects look for adapters by one list of drivers, whose look-ups write.
+// Functions of another driver make many look-ups with nothing in between that would order them.
+TEST_F(ManagementObjects, AreLookedForBesideAnotherDiscovery) {
+    for (int number = 10; number < 60; ++number) {
+        auto const function =
+            machine->root() / "sys/bus/pci/devices" / ("0001:" + std::to_string(number) + ":00.0");
+        std::filesystem::create_directories(function);
+        std::ofstream(function / "class") << "0x010601\n";
+        for (char const* name : {"vendor", "device", "subsystem_vendor", "subsystem_device"}) {
+            std::ofstream(function / name) << "0x8086\n";
+        }
+        std::filesystem::create_symlink("../drivers/ahci", function / "driver");
+    }
+    std::thread discovery([&] {
+        for (int round = 0; round < 8; ++round) {
+            Interface::SysMod::Discovery::HandleList controllers, sasAdapters, others;
+            Interface::SysMod::Discovery::DiscoverStorageAdapters(controllers, sasAdapters, others);
+            EXPECT_EQ(controllers.size(), 2U);
+            EXPECT_EQ(sasAdapters.size(), 1U);
+        }
+    });
+    for (int round = 0; round < 8; ++round) {
+        open(CLASS | RESCAN);
+        EXPECT_NE(object(CONTROLLER | RESCAN, 1), nullptr);
+    }
+    discovery.join();
 }
 
 TEST_F(ManagementObjects, EightThreadsFindRescanUseAndGiveUp) {

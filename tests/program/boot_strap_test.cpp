@@ -33,10 +33,11 @@ void PrintTo(Row const& row, std::ostream* out) {
     *out << row.name;
 }
 
+#define BLANKS "                    "  // to the 32 bytes of the member
 #define FOUND                                                                                                \
     "****** Controller Found!        Handle: HANDLE ******\n\n\tSenseSubsysInfo...\n\tCalling "              \
     "InfoMgrControlObject... for Vaultline controller HANDLE. Command type: 0x8001\n\tInfoMgrControlObject " \
-    "Return Status: 0\n\t Controller Serial Number = VQ5C3354A001"
+    "Return Status: 0\n\t Controller Serial Number = VQ5C3354A001" BLANKS
 #define READ(value)                      \
     "\nThe ox7fd offset value is " value \
     "\n"                                 \
@@ -227,7 +228,7 @@ TEST(BootStraps, OfTwoControllersAreTheirOwn) {
               "****** Controller Found!        Handle: HANDLE ******\n\n\tSenseSubsysInfo...\n\tCalling "
               "InfoMgrControlObject... for Vaultline controller HANDLE. Command type: "
               "0x8001\n\tInfoMgrControlObject Return Status: 0\n\t Controller Serial Number = "
-              "VQ5C3355B002" READ("0") COUNTED WRITTEN WRITTEN);
+              "VQ5C3355B002" BLANKS READ("0") COUNTED WRITTEN WRITTEN);
 }
 
 INSTANTIATE_TEST_SUITE_P(Branches, BootStrap, ::testing::ValuesIn(ROWS),

@@ -1,6 +1,7 @@
 /// Updates of cache modules: what holds one back, what doesn't, and how the run ends.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <map>
 #include <nlohmann/json.hpp>
@@ -13,7 +14,7 @@ namespace {
 using nlohmann::json;
 using Strings = std::vector<std::string>;
 
-enum class Image { Good, Missing, Empty };
+enum class Image { Good, Missing, Empty, Pipe };
 
 struct Row {
     char const* name;
@@ -47,6 +48,7 @@ Row const ROWS[] = {
     {"FileModeBeforeADocument", {"-c", "-d", "out.xml", "-s"}, "", Image::Good, {}, 3, "6.40 5 6", 0, 0},
     {"MissingImage", {"-s"}, "", Image::Missing, {}, 4, "6.64 5 6", 0, 0},
     {"EmptyImage", {"-s"}, "", Image::Empty, {}, 9, "6.64 5 6", 0, 0},
+    {"Pipe", {"-s"}, "", Image::Pipe, {}, 7, "6.64 5 6", 0, 0},  // opening it would wait for a writer
     // A controller whose module failed is the last that the pass looks at.
     {"Refused", {"-s"}, "", Image::Good, {REFUSED}, 9, "6.64 5 6", 0, 1},
 };
@@ -79,8 +81,10 @@ TEST_P(CacheModuleUpdate, EndsAsItWent) {
     Row const& row = GetParam();
     PackageRun const package("cache-module");
     shrink(package);
-    if (row.image == Image::Missing) std::filesystem::remove(package.directory() / "fbwc-7.rom");
-    if (row.image == Image::Empty) writeText(package.directory() / "fbwc-7.rom", "");
+    auto const image = package.directory() / "fbwc-7.rom";
+    if (row.image != Image::Good) std::filesystem::remove(image);
+    if (row.image == Image::Empty) writeText(image, "");
+    if (row.image == Image::Pipe) ::mkfifo(image.c_str(), 0600);
     EXPECT_EQ(package.flash(row.arguments, row.answers, row.faults).status, row.status);
     EXPECT_EQ(versions(package), row.versions);
 

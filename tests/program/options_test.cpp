@@ -217,11 +217,15 @@ TEST_F(Options, FailureIsTheStatusAndEndsTheRun) {
         // Other bits of that word lock nothing here.
         {0, R"({"identify": {"dwEncryptionStatus": 15}})", nullptr, 1, first + second, "",
          "6.40/6.64 restart needed, 6.40/6.64 restart needed"},
-        // A TR57 is flashed, and then nothing tells which controller's boot strap is its.
+        // A TR57 is flashed, and then nothing tells which controller's boot strap is its. It ended the run.
         {0,
          R"({"pci": {"subsystem_device": "0x3351"}, "subsystem": {"sControllerSerialNumber": "0000000000000000"}})",
-         nullptr, 10, "Updated: TR57 Slot: 1 from 6.40 to 6.64\n",
-         "setArrayShiftBit: TR57 skipped: no serial number\n", "6.40/6.64 restart needed, 6.40/6.40 ok"},
+         nullptr, 1,
+         "Updated: TR57 Slot: 1 from 6.40 to 6.64\n"
+         "Skipped: TR57: no serial number: NVRAM bytes 2045 and 2046 were left as they are\n" +
+             second,
+         "setArrayShiftBit: TR57 skipped: no serial number\n",
+         "6.40/6.64 restart needed, 6.40/6.64 restart needed"},
         // Both flashes of the controller fail; the first alone.
         {0, "{}", "", 9, "Failed: TR56 Slot: 1 from 6.40 to 6.64\n" + std::string(NONE), UNTOLD,
          "6.40/6.40 paused, 6.40/6.40 ok"},

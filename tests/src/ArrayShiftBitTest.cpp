@@ -2,12 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <tuple>
 
 #include "infomgr/info_mgr_root.h"
 #include "simulator/in_process_door.h"
+#include "src/flashRun.h"
 #include "src/managementObjects.h"
 #include "tests/src/FakeDevices.h"
 #include "tests/src/RunFixture.h"
@@ -20,15 +23,34 @@ using Nvram = std::map<unsigned, unsigned>;  // offset, value
 constexpr int NOT_OFFERED = static_cast<int>(0x80000004);
 constexpr int NO_OBJECT = static_cast<int>(0x80000008);
 
+/// The door, with a request that reports a failure although all of it was done.
+class FailingDoor : public simulator::InProcessDoor {
+  public:
+    explicit FailingDoor(simulator::Machine& machine) : InProcessDoor(machine), m_machine(machine) {}
+    int ioctl(int descriptor, unsigned long request, void* argument) override {
+        int const result = InProcessDoor::ioctl(descriptor, request, argument);
+        if (failing.empty() || m_machine.journal().back().command != failing) return result;
+        errno = EIO;
+        return -1;
+    }
+    std::string failing;  ///< its name in the journal
+
+  private:
+    simulator::Machine& m_machine;
+};
+
 /// A machine with two controllers, of which the second has the serial number SERIAL1, and the first a longer
 /// one that begins with it.
 class ArrayShiftBitTest : public RunTest {
   protected:
     ArrayShiftBitTest() : controller(fakeController()) { make(0); }
-    ~ArrayShiftBitTest() override { leave(); }
+    ~ArrayShiftBitTest() override {
+        pRoot = DevicePointer();
+        leave();
+    }
 
     /// The second byte of the pair is 7 unless it is written.
-    void make(int stored, char const* fault = "[]", char const* serial = "SERIAL1",
+    void make(int stored, char const* fault = "[]", std::string const& serial = "SERIAL1",
               char const* otherSerial = "SERIAL10") {
         leave();
         json scenario = json::parse(R"({"devices": [
@@ -42,7 +64,7 @@ class ArrayShiftBitTest : public RunTest {
         simulator::Machine::create(directory() + "/machine", scenario);
         machine = std::make_unique<simulator::Machine>(directory() + "/machine");
         machine->addFaults(json::parse(fault), "the test's faults");
-        door = std::make_unique<simulator::InProcessDoor>(*machine);
+        door = std::make_unique<FailingDoor>(*machine);
         InfoMgrRoot::Destroy();
     }
     void leave() {
@@ -62,7 +84,7 @@ class ArrayShiftBitTest : public RunTest {
 
     Fake controller;
     std::unique_ptr<simulator::Machine> machine;
-    std::unique_ptr<simulator::InProcessDoor> door;
+    std::unique_ptr<FailingDoor> door;
 };
 
 TEST_F(ArrayShiftBitTest, TwoModelsNeedIt) {
@@ -175,6 +197,19 @@ TEST_F(ArrayShiftBitTest, FailuresOfTheReadAndOfTheSecondWriteCount) {
     }
 }
 
+TEST_F(ArrayShiftBitTest, FixedByteIsLeftAlsoWhenItCameWithAFailure) {
+    row("TR57", true, "SERIAL1").numPhyDrives = 4;
+    for (auto const& [stored, result, writesAfter] :
+         {std::tuple(1, 0, 0u), std::tuple(2, 8, 0u), std::tuple(0, 8, 2u)}) {
+        make(stored);
+        door->failing = "READ NVRAM";
+        EXPECT_EQ(setArrayShiftBit(controller, "TR57"), result) << stored;
+        EXPECT_EQ(writes(), writesAfter) << stored;
+        EXPECT_TRUE(verboseLogHas("ReadNVRAMBootStrap retuns: -2147483643:byteValue " +
+                                  std::to_string(stored) + "\n"));
+    }
+}
+
 // Every controller is flashed twice, and both calls do the work: the mark is set on a copy of the row.
 TEST_F(ArrayShiftBitTest, MarkDoesNotReachTheRow) {
     Device_Info& info = row("TR57", true, "SERIAL1");
@@ -187,14 +222,26 @@ TEST_F(ArrayShiftBitTest, MarkDoesNotReachTheRow) {
     EXPECT_EQ(writes(), 4u);
 }
 
+// Nothing tells which controller is meant. The ordinary log has it once for both flashes.
+TEST_F(ArrayShiftBitTest, ControllerThatCannotBeToldIsLeftAsItIs) {
+    // The row of a cache module has an empty serial number: it isn't this controller's.
+    row("FBWC", true, "");
+    for (Fake const& one : {controller, fakeController({})}) {
+        for (bool const second : {false, true}) {
+            EXPECT_EQ(setArrayShiftBit(one, "TR57", second), 0);
+        }
+    }
+    EXPECT_EQ(machine->exchangeCount(), 0u);
+    EXPECT_EQ(componentLog(),
+              "Skipped: TR57: no row for serial number SERIAL1: NVRAM bytes 2045 and 2046 were left as they "
+              "are\nSkipped: TR57: no serial number: NVRAM bytes 2045 and 2046 were left as they are\n");
+    EXPECT_TRUE(verboseLogHas("setArrayShiftBit: TR57 skipped: no row for serial number SERIAL1\n"));
+}
+
 TEST_F(ArrayShiftBitTest, ControllerThatCannotBeReachedIsReported) {
-    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 10) << "no row";
     row("TR57", true, "SERIAL3");
     Fake const absent = fakeController({{"ATTR_NAME_CONTROLLER_SERIAL_NUMBER", "SERIAL3"}});
     EXPECT_EQ(setArrayShiftBit(absent, "TR57"), 10) << "no controller of this serial number";
-    // The row of a cache module has an empty serial number: it isn't this controller's.
-    row("FBWC", true, "");
-    EXPECT_EQ(setArrayShiftBit(fakeController({}), "TR57"), 10);
     row("TR57", true, "SERIAL1");
     for (char const* fault : {
              R"([{"match": {"device": "one", "command": "INQUIRY"}, "action": {"errno": "EIO"}}])",
@@ -222,19 +269,49 @@ TEST_F(ArrayShiftBitTest, CutSerialNumberIsNoOtherControllers) {
     EXPECT_TRUE(verboseLogHas("\tController Serial Number refused: 7 of 32 bytes arrived\n"));
 }
 
-// The library trims tabs and line ends, too.
+// What lies behind the terminator is none of it: a number was refused for what didn't arrive there.
+TEST_F(ArrayShiftBitTest, SerialNumberEndsAtItsTerminator) {
+    struct {
+        std::string serial;
+        int reply;  ///< bytes that arrive; the number begins at 44
+        bool isFound;
+    } const cases[] = {{{"SERIAL1\0", 8}, 52, true}, {{"SERIAL1\0", 8}, 51, false}, {"SERIAL1", 52, false}};
+    for (auto const& one : cases) {
+        std::string const fault =
+            R"([{"match": {"device": "one", "command": "0x66"}, "action": {"truncate": )";
+        make(0, (fault + std::to_string(one.reply) + "}}]").c_str(), one.serial);
+        EXPECT_EQ(getHandle("SERIAL1") != nullptr, one.isFound) << one.reply;
+    }
+}
+
+// The library trims tabs and line ends, too. The log shows the number as it came.
 TEST_F(ArrayShiftBitTest, SerialNumberIsTrimmedAsTheDeviceModelTrims) {
     for (char const* serial : {"SERIAL1\t", " SERIAL1 ", "\tSERIAL1 \n"}) {
         make(0, "[]", serial);
         EXPECT_NE(getHandle("SERIAL1"), nullptr) << serial;
+        EXPECT_TRUE(verboseLogHas("\t Controller Serial Number = " + std::string(serial))) << serial;
     }
 }
 
+TEST_F(ArrayShiftBitTest, ControllerThatFailedItsDiscoveryHidesNoOther) {
+    row("TR57", true, "SERIAL1").numPhyDrives = 4;
+    make(0, R"([{"match": {"device": "other", "command": "INQUIRY"}, "action": {"errno": "EIO"}}])");
+    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
+    EXPECT_EQ(nvram(), (Nvram{{2045, 2}, {2046, 254}}));
+}
+
+// A twin that the package doesn't concern has no row: rows alone told of none, while it was the one written
+// to.
 TEST_F(ArrayShiftBitTest, FirstOfTwoControllersWithOneSerialNumberIsTaken) {
+    char const* const type = "ATTR_VALUE_TYPE_ARRAY_CONTROLLER";
+    Fake root("ATTR_VALUE_TYPE_ROOT", "root");
+    root.add(controller).add(Fake(type, "untold"));
+    root.add(Fake(type, "other", {{"ATTR_NAME_CONTROLLER_SERIAL_NUMBER", "SERIAL10"}}));
+    pRoot = root;
     row("TR57", true, "SERIAL1").numPhyDrives = 4;
     EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
     EXPECT_FALSE(verboseLogHas("1 expected"));
-    row("TR57", true, "SERIAL1").numPhyDrives = 4;
+    root.add(Fake(type, "twin", {{"ATTR_NAME_CONTROLLER_SERIAL_NUMBER", "SERIAL1"}}));
     make(0, "[]", "SERIAL1", "SERIAL1");
     EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
     EXPECT_EQ(machine->devices()[0].nvram, (Nvram{{2045, 2}, {2046, 254}}));
@@ -244,7 +321,7 @@ TEST_F(ArrayShiftBitTest, FirstOfTwoControllersWithOneSerialNumberIsTaken) {
 }
 
 TEST_F(ArrayShiftBitTest, HandlesComeFromGetHandleAlone) {
-    EXPECT_EQ(SenseSubsystemInformation(getHandle("SERIAL1")), "SERIAL1");
+    EXPECT_EQ(SenseSubsystemInformation(getHandle("SERIAL1")), "SERIAL1" + std::string(25, ' '));
     EXPECT_EQ(getHandle(""), nullptr);
     EXPECT_EQ(getHandle("SERIAL"), nullptr);
     HMGMTOBJECT const stale = getHandle("SERIAL1");

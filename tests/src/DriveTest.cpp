@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "src/flashRun.h"
 #include "tests/src/FakeDevices.h"
 #include "tests/src/RunFixture.h"
@@ -69,6 +71,24 @@ TEST_F(DriveTest, DrivesBehindAControllerAreCountedIntoItsRow) {
     }
     EXPECT_TRUE(verboseLogHas("   Finding Harddrives\n   Found 0 Harddrives\nAdding drives 0:0 SERIAL1\n"));
     EXPECT_EQ(hDDList.size(), 5u) << "the list grows with every look";
+}
+
+TEST_F(DriveTest, DriveThatTellsNoInterfaceIsCountedAsARotatingOneAndTold) {
+    Fake controller = fakeController();
+    controller.add(drive("a", "")).add(drive("b", "SAS")).add(drive("c", "SAS_SSD"));
+    controller.add(Fake("ATTR_VALUE_TYPE_PHYSICAL_DRIVE", "d", {{"ATTR_NAME_DEVICE_NUMBER", "7"}}));
+    Device_Info const& info = row("LD1", false, "SERIAL1");
+    EXPECT_EQ(CheckArrayForPhysicalDrives(controller, "LD63i"), 0);
+    EXPECT_EQ(info.numSSD, 1);
+    EXPECT_EQ(info.numPhyDrives, 4);
+    std::istringstream log(takeVerboseLog());
+    std::string told;
+    for (std::string line; std::getline(log, line);) {
+        if (line.find("rotating") != std::string::npos) told += line + "\n";
+    }
+    EXPECT_EQ(told,
+              "Drive with serial number a tells no interface: counted as a rotating one\n"
+              "Drive with device number 7 tells no interface: counted as a rotating one\n");
 }
 
 TEST_F(DriveTest, ListingGivesEachCarrierARowAndAnElement) {
