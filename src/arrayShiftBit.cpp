@@ -90,10 +90,11 @@ int setArrayShiftBit(Common::shared_ptr<Core::Device> const& controller, std::st
                      bool second) {
     // Without a serial number or a row nothing tells which controller to write to and what. The firmware is
     // there all the same, and a failure would keep the run from the controllers behind this one.
-    if (!controller->hasAttribute(Names::ATTR_NAME_CONTROLLER_SERIAL_NUMBER)) {
+    // An empty number would be that of the row of a cache module.
+    std::string const serial = getValue(controller, Names::ATTR_NAME_CONTROLLER_SERIAL_NUMBER, "");
+    if (serial.empty()) {
         return leaveAsItIs(model, "no serial number", second);
     }
-    std::string const serial = getValue(controller, Names::ATTR_NAME_CONTROLLER_SERIAL_NUMBER, "");
     Device_Info const* const row = getDeviceInfo(serial);
     if (row == nullptr) {
         return leaveAsItIs(model, "no row for serial number " + serial, second);

@@ -226,7 +226,8 @@ TEST_F(ArrayShiftBitTest, MarkDoesNotReachTheRow) {
 TEST_F(ArrayShiftBitTest, ControllerThatCannotBeToldIsLeftAsItIs) {
     // The row of a cache module has an empty serial number: it isn't this controller's.
     row("FBWC", true, "");
-    for (Fake const& one : {controller, fakeController({})}) {
+    Fake const empty = fakeController({{"ATTR_NAME_CONTROLLER_SERIAL_NUMBER", ""}});
+    for (Fake const& one : {controller, fakeController({}), empty}) {
         for (bool const second : {false, true}) {
             EXPECT_EQ(setArrayShiftBit(one, "TR57", second), 0);
         }
@@ -234,6 +235,7 @@ TEST_F(ArrayShiftBitTest, ControllerThatCannotBeToldIsLeftAsItIs) {
     EXPECT_EQ(machine->exchangeCount(), 0u);
     EXPECT_EQ(componentLog(),
               "Skipped: TR57: no row for serial number SERIAL1: NVRAM bytes 2045 and 2046 were left as they "
+              "are\nSkipped: TR57: no serial number: NVRAM bytes 2045 and 2046 were left as they "
               "are\nSkipped: TR57: no serial number: NVRAM bytes 2045 and 2046 were left as they are\n");
     EXPECT_TRUE(verboseLogHas("setArrayShiftBit: TR57 skipped: no row for serial number SERIAL1\n"));
 }
