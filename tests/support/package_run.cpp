@@ -9,6 +9,8 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "simulator/s_record.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -146,6 +148,22 @@ std::vector<simulator::JournalEntry> PackageRun::journal() const {
 
 simulator::Bytes PackageRun::romImage(std::string const& device) const {
     return simulator::Machine(machineDirectory()).romImage(device, simulator::Rom::Active);
+}
+
+std::string PackageRun::fileStoredIn(std::string const& device) const {
+    // The title that the package's S-records begin with: product and version, as the image has them.
+    constexpr std::size_t PRODUCT = 8, PRODUCT_SIZE = 11, VERSION = 24, VERSION_SIZE = 4;
+    simulator::Bytes const rom = romImage(device);
+    std::string const bytes(rom.begin(), rom.end());
+    if (bytes.size() < VERSION + VERSION_SIZE) return "";
+    std::string const records = simulator::makeSRecords(
+        rom, bytes.substr(PRODUCT, PRODUCT_SIZE) + " " + bytes.substr(VERSION, VERSION_SIZE));
+    for (auto const& entry : fs::directory_iterator(m_directory)) {
+        if (!entry.is_regular_file()) continue;
+        std::string const text = readText(entry.path());
+        if (text == bytes || text == records) return entry.path().filename().string();
+    }
+    return "";
 }
 
 void PackageRun::removeLogs() const {

@@ -45,6 +45,9 @@ class PackageRun {
     std::string firmware(std::string const& device) const;
     std::vector<simulator::JournalEntry> journal() const;
     simulator::Bytes romImage(std::string const& device) const;
+    /// The name of the package's file whose bytes are the device's stored firmware, or whose S-records are;
+    /// empty when there is none.
+    std::string fileStoredIn(std::string const& device) const;
 
     std::string componentLog() const { return readText(logDirectory() / "Component.log"); }
     std::string verboseLog() const { return readText(logDirectory() / "Verbose.log"); }
