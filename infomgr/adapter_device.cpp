@@ -1,6 +1,8 @@
 #include "infomgr/adapter_device.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <vector>
 
 #include "common/debug_logger.h"
 #include "sysmod/command_handlers.h"
@@ -130,11 +132,17 @@ int ArrayControllerDevice::ifuncControlObjInfo(std::uint32_t kind, _INFOMGR_BMIC
     request.commandByte = record.opcode;
     request.details = record.address;
     request.unit = record.unit;
-    request.dataBuffer = record.data;
+    // A driver may clear the whole buffer of a read that brings a part. The caller's gets what came, and
+    // keeps what it had behind that: zeros there would end a text where the reply was cut.
+    std::vector<unsigned char> data(record.data, record.data + record.dataLength);
+    request.dataBuffer = data.data();
     request.dataLength = record.dataLength;
     request.senseBuffer = record.error;
     request.senseLength = record.errorLength;
     bool const sent = SendBMICCommand(deviceHandle(), request);
+    if (request.transferType == EnTransferType::In) {
+        std::copy_n(data.begin(), std::min(request.dataLength, record.dataLength), record.data);
+    }
     return outcome("Management request", request, sent);
 }
 

@@ -69,7 +69,8 @@ int writeByte(HMGMTOBJECT controller, unsigned char value, unsigned short offset
 }
 
 /// The status of the second write alone: a first one that failed before a second that succeeded has always
-/// passed as done, and the bytes are written anew by the second flash of the pair anyway.
+/// passed as done. The second flash of the pair writes both bytes anew, but for one case: it takes the first
+/// byte of the small strap for the whole, so that a second byte which alone failed stays what it was.
 int writeStrap(HMGMTOBJECT controller, BootStrap strap) {
     writeByte(controller, strap.first, FIRST_OFFSET);
     return writeByte(controller, strap.second, SECOND_OFFSET);
@@ -100,8 +101,7 @@ int setArrayShiftBit(Common::shared_ptr<Core::Device> const& controller, std::st
         return leaveAsItIs(model, "no row for serial number " + serial, second);
     }
     warnOfTwins(serial);
-    // A copy, so that the mark doesn't reach the row: both flashes of a controller get here, and the second
-    // one repeats what the first may have failed to write.
+    // A copy, so that the mark doesn't reach the row: both flashes of a controller get here.
     Device_Info info = *row;
     if (info.alreadyFlashed) {
         return codeOk;

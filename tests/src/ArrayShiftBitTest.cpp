@@ -12,6 +12,7 @@
 #include "simulator/in_process_door.h"
 #include "src/flashRun.h"
 #include "src/managementObjects.h"
+#include "sysmod/kernel_records.h"
 #include "tests/src/FakeDevices.h"
 #include "tests/src/RunFixture.h"
 
@@ -28,12 +29,19 @@ class FailingDoor : public simulator::InProcessDoor {
   public:
     explicit FailingDoor(simulator::Machine& machine) : InProcessDoor(machine), m_machine(machine) {}
     int ioctl(int descriptor, unsigned long request, void* argument) override {
+        using Record = Core::SysMod::XqrthPassthru<unsigned char*>;
+        if (clearing && request == Core::SysMod::XQRTH_PASSTHRU<unsigned char*>) {
+            auto* const record = static_cast<Record*>(argument);
+            constexpr std::uint8_t READ = 0x26;
+            if (record->command.block[0] == READ) std::fill_n(record->buffer, record->bufferSize, 0);
+        }
         int const result = InProcessDoor::ioctl(descriptor, request, argument);
         if (failing.empty() || m_machine.journal().back().command != failing) return result;
         errno = EIO;
         return -1;
     }
-    std::string failing;  ///< its name in the journal
+    std::string failing;    ///< its name in the journal
+    bool clearing = false;  ///< as drivers do that copy their whole buffer back
 
   private:
     simulator::Machine& m_machine;
@@ -197,6 +205,16 @@ TEST_F(ArrayShiftBitTest, FailuresOfTheReadAndOfTheSecondWriteCount) {
     }
 }
 
+// The second flash sees the first byte of the small strap and takes it for the whole.
+TEST_F(ArrayShiftBitTest, SecondByteThatFailedAloneStays) {
+    row("TR57", true, "SERIAL1").numPhyDrives = 4;
+    make(3, R"([{"match": {"command": "WRITE NVRAM", "nth": 2}, "action": {"errno": "EIO"}}])");
+    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 8);
+    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
+    EXPECT_EQ(nvram(), (Nvram{{2045, 2}, {2046, 7}}));
+    EXPECT_EQ(writes(), 2u);
+}
+
 TEST_F(ArrayShiftBitTest, FixedByteIsLeftAlsoWhenItCameWithAFailure) {
     row("TR57", true, "SERIAL1").numPhyDrives = 4;
     for (auto const& [stored, result, writesAfter] :
@@ -264,11 +282,15 @@ TEST_F(ArrayShiftBitTest, ControllerThatCannotBeReachedIsReported) {
 // The reply ended in the middle of SERIAL10, which then read as SERIAL1: the wrong controller was written to.
 TEST_F(ArrayShiftBitTest, CutSerialNumberIsNoOtherControllers) {
     row("TR57", true, "SERIAL1").numPhyDrives = 4;
-    make(0, R"([{"match": {"device": "other", "command": "0x66"}, "action": {"truncate": 51}}])");
-    EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
-    EXPECT_EQ(nvram(), (Nvram{{2045, 2}, {2046, 254}}));
-    EXPECT_EQ(machine->devices()[0].nvram, Nvram{});
-    EXPECT_TRUE(verboseLogHas("\tController Serial Number refused: 7 of 32 bytes arrived\n"));
+    for (bool const clearing : {false, true}) {
+        make(0, R"([{"match": {"device": "other", "command": "0x66"}, "action": {"truncate": 51}}])");
+        door->clearing = clearing;
+        EXPECT_EQ(setArrayShiftBit(controller, "TR57"), 0);
+        EXPECT_EQ(nvram(), (Nvram{{2045, 2}, {2046, 254}})) << clearing;
+        EXPECT_EQ(machine->devices()[0].nvram, Nvram{}) << clearing;
+        EXPECT_TRUE(verboseLogHas("\tController Serial Number refused: 7 of 32 bytes arrived\n"));
+        takeVerboseLog();
+    }
 }
 
 // What lies behind the terminator is none of it: a number was refused for what didn't arrive there.
