@@ -44,7 +44,7 @@ unsigned countWithin(unsigned told, std::size_t room, char const* what) {
 }  // namespace
 
 bool SenseBox::answers(BMICDevice& controller) {
-    return (*this)(controller) && holdsWhole(*this, "Record of a box");
+    return (*this)(controller) && holdsTotal(*this, "Record of a box");
 }
 
 std::uint8_t boxIndexOf(std::uint8_t bus, std::uint8_t target) {

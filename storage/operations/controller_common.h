@@ -43,6 +43,23 @@ bool holdsWhole(Command const& command, char const* what) {
     return false;
 }
 
+/// The same for all that the record tells, which newer firmware has behind it: maps of more than 128 devices.
+template <class Command>
+bool holdsTotal(Command const& command, char const* what) {
+    if (!holdsWhole(command, what)) return false;
+    std::size_t const told =
+        ConvertLittleEndianToValue<std::uint32_t>(command.record().dwTotalStructureLength);
+    std::size_t const needed = std::min(told, command.buffer().size());
+    if (command.receivedLength() >= needed) return true;
+    Common::DebugLogger::LogCommand("%s refused: %u bytes came, at least %u expected", what,
+                                    command.receivedLength(), static_cast<unsigned>(needed));
+    return false;
+}
+
+/// Of what a run can do without. A controller that isn't ready for it would hold the run up for two minutes
+/// at each command.
+inline constexpr unsigned char OPTIONAL_REPEATS = 2;
+
 /// Whether the record reaches behind bControllerMode: a record of a firmware that predates a member has no
 /// such member, whatever the buffer then holds.
 bool isControllerModeValid(Records::IDENTIFY_CONTROLLER const& identify);

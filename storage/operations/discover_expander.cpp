@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "common/debug_logger.h"
 #include "core/tolkmod.h"
 #include "storage/operations/bus_parameters.h"
+#include "storage/operations/listed_devices.h"
 #include "storage/operations/physical_device_iterator.h"
 #include "storage/operations/publish.h"
 #include "storage/operations/publish_sas_device.h"
@@ -31,7 +31,7 @@ void discover(Core::Device& parent, DevicePointer const& controller, BMICDevice&
     publishSpecialInquiry(*expander, commands, number);
     publishIdentity(*expander, controller, commands, number);
     if (!expander->hasAttribute(Names::ATTR_NAME_WWID)) {
-        publish(*expander, Names::ATTR_NAME_WWID, PhysicalDeviceIterator::getSasAddress(handle));
+        publishOrClear(*expander, Names::ATTR_NAME_WWID, PhysicalDeviceIterator::getSasAddress(handle));
     }
     parent.receive(expander);
 }
@@ -45,25 +45,15 @@ Core::OperationReturn DiscoverExpander::visit(Schema::StorageEnclosure& enclosur
     if (boxIndex.empty() || !system) {
         return Core::OperationReturn(Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE);
     }
-    auto const* const controller = dynamic_cast<Schema::ArrayController const*>(system.get());
-    if (controller == nullptr) return Core::OperationReturn();
+    if (dynamic_cast<Schema::ArrayController const*>(system.get()) == nullptr) return Core::OperationReturn();
     std::vector<unsigned short> const numbers =
         contentsNow(enclosure, *system,
                     static_cast<std::uint8_t>(Conversion::toNumber<unsigned short>(boxIndex)))
             .expanders;
     if (numbers.empty()) return Core::OperationReturn();
-    PhysicalDeviceIterator const devices(*controller);
-    for (unsigned short const number : numbers) {
-        auto const handle = devices.find(number, TYPE);
-        if (handle != devices.end(TYPE)) {
-            discover(enclosure, system, enclosure, *handle, number);
-        } else {
-            Common::DebugLogger::LogCommand(
-                "Expander %u of box index %s refused: the list of physical "
-                "devices has no expander of that number",
-                static_cast<unsigned>(number), boxIndex.c_str());
-        }
-    }
+    ListedDevices const devices(system, TYPE);
+    for (unsigned short const number : numbers)
+        discover(enclosure, system, enclosure, devices.handleOf(number), number);
     return Core::OperationReturn();
 }
 

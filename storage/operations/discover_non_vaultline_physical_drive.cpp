@@ -128,17 +128,13 @@ void DiscoverNonVaultlinePhysicalDrive::discover(Core::Device& parent, Common::s
 
 void DiscoverNonVaultlinePhysicalDrive::ReadSASDeviceInfo(DevicePointer drive) {
     auto& device = dynamic_cast<NonVaultlinePhysicalDrive&>(*drive);
-    // Past the reply cache: of an address its key has the first byte alone, which drives share.
     ReportStandardInquiry inquiry;
-    inquiry.PassThrough(true);
     if (!inquiry(device)) return;
     bool const isAta = inquiry.vendorId() == ATA_VENDOR;
     if (isAta && ReadSATADeviceInfo(drive)) return;
     VPDPage83 identification;
-    identification.PassThrough(true);
     if (identification(device)) device.SetUniqueID(identification.identifier());
     VPDPage80 serial;
-    serial.PassThrough(true);
     doPublish(*drive,
               {inquiry.vendorId(), inquiry.productId(),
                serial(device) ? serial.serialNumber() : Common::string(), inquiry.productRevision()},

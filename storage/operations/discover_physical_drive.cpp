@@ -2,6 +2,7 @@
 
 #include "storage/operations/drive_maps.h"
 #include "storage/operations/drive_roles.h"
+#include "storage/operations/listed_devices.h"
 #include "storage/operations/physical_device_iterator.h"
 #include "storage/operations/publish.h"
 #include "storage/operations/storage_system_finder.h"

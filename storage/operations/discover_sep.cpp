@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "command/scsi/inquiry_commands.h"
-#include "common/debug_logger.h"
 #include "core/tolkmod.h"
 #include "storage/operations/csmi_enclosures.h"
+#include "storage/operations/listed_devices.h"
 #include "storage/operations/physical_device_iterator.h"
 #include "storage/operations/publish.h"
 #include "storage/operations/publish_sas_device.h"
@@ -44,7 +44,7 @@ void publishSepInfo(DevicePointer const& controller, BMICDevice& commands, Devic
     publishSpecialInquiry(*sep, commands, device.bmicIndex());
     publishIdentity(*sep, controller, commands, device.bmicIndex());
     if (!sep->hasAttribute(Names::ATTR_NAME_WWID)) {
-        publish(*sep, Names::ATTR_NAME_WWID, PhysicalDeviceIterator::getSasAddress(device.handle()));
+        publishOrClear(*sep, Names::ATTR_NAME_WWID, PhysicalDeviceIterator::getSasAddress(device.handle()));
     }
     publishKind(sep, typeCode);
 }
@@ -62,22 +62,14 @@ void discover(Core::Device& parent, DevicePointer const& controller, BMICDevice&
 }
 
 void discoverBehindController(Schema::StorageEnclosure& enclosure, DevicePointer const& controller,
-                              ConcreteSCSIDevice const& adapter, unsigned char boxIndex) {
+                              unsigned char boxIndex) {
     std::vector<Schema::ListedSep> const seps = contentsNow(enclosure, *controller, boxIndex).seps;
     if (seps.empty()) return;
-    PhysicalDeviceIterator const devices(adapter);
-    for (Schema::ListedSep const& sep : seps) {
-        auto const handle = devices.find(sep.number, PhysicalDeviceIterator::SEP_TYPE);
-        // A processor must never get the adapter's own handle: its firmware would go there.
-        if (handle == devices.end(PhysicalDeviceIterator::SEP_TYPE)) {
-            Common::DebugLogger::LogCommand(
-                "Processor %u of box index %u refused: the list of physical devices has no processor of "
-                "that number",
-                static_cast<unsigned>(sep.number), static_cast<unsigned>(boxIndex));
-            continue;
-        }
-        discover(enclosure, controller, enclosure, *handle, sep.number, sep.type);
-    }
+    // A processor that can't be addressed counts all the same: by their number a controller's memory is
+    // written, and a flash that can't reach it must fail and be told, not be left out without a word.
+    ListedDevices const devices(controller, PhysicalDeviceIterator::SEP_TYPE);
+    for (Schema::ListedSep const& sep : seps)
+        discover(enclosure, controller, enclosure, devices.handleOf(sep.number), sep.number, sep.type);
 }
 
 /// All that is known of these comes from themselves and from the way to them.
@@ -125,7 +117,7 @@ Core::OperationReturn DiscoverSEP::visit(Schema::StorageEnclosure& enclosure) {
     if (dynamic_cast<Schema::HostBusAdapter const*>(system.get()) != nullptr) {
         discoverBehindAdapter(enclosure, *adapter);
     } else {
-        discoverBehindController(enclosure, system, *adapter,
+        discoverBehindController(enclosure, system,
                                  static_cast<unsigned char>(Conversion::toNumber<unsigned short>(boxIndex)));
     }
     return Core::OperationReturn();

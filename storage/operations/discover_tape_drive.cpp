@@ -1,6 +1,7 @@
 #include "command/controller_command.h"
 #include "storage/operations/discover_physical_drive.h"
 #include "storage/operations/drive_maps.h"
+#include "storage/operations/listed_devices.h"
 #include "storage/operations/physical_device_iterator.h"
 #include "storage/operations/publish.h"
 #include "storage/operations/publish_enclosure.h"

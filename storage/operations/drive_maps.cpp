@@ -8,8 +8,6 @@
 #include "core/tolkmod.h"
 #include "storage/operations/bus_parameters.h"
 #include "storage/operations/controller_common.h"
-#include "storage/operations/physical_device_iterator.h"
-#include "storage/operations/storage_system_finder.h"
 #include "storage/schema/array_controller.h"
 #include "storage/schema/enclosure.h"
 #include "storage/vocabulary/array_controller.h"
@@ -33,7 +31,13 @@ bool readDriveMaps(Core::Device& parent, BMICDevice& commands, DriveMaps& maps,
                    Core::OperationReturn& result) {
     SenseControllerCommand<IdentifyControllerTrait> identify;
     DeviceCommandReturn::executeCommand(identify, commands, result);
-    if (result && !holdsWhole(identify, "Identify record")) {
+    bool isWhole = !result || holdsTotal(identify, "Identify record");
+    if (!isWhole) {
+        // Half a map has half of the drives, by whose number a controller's memory is written.
+        DeviceCommandReturn::executeCommand(identify, commands, result);
+        isWhole = !result || holdsTotal(identify, "Identify record");
+    }
+    if (!isWhole) {
         result.Receive(Core::Attribute(Interface::TOLKMod::OperationReturn::ATTR_NAME_STATUS,
                                        Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE));
     }
@@ -70,34 +74,6 @@ bool readDriveMaps(Core::Device& parent, BMICDevice& commands, DriveMaps& maps,
     maps.disks -= inCages;
     maps.others -= inCages;
     return true;
-}
-
-ListedDevices::ListedDevices(Common::shared_ptr<Core::Device> const& controller, unsigned char deviceType) {
-    auto const* const adapter = dynamic_cast<ConcreteSCSIDevice const*>(controller.get());
-    if (adapter == nullptr) return;
-    PhysicalDeviceIterator const devices(*adapter);
-    for (auto handle = devices.begin(deviceType); handle != devices.end(deviceType); ++handle) {
-        unsigned short const index = Core::SysMod::getDeviceIndex(*handle);
-        if (index >= m_handles.size()) m_handles.resize(index + 1U);
-        if (m_handles[index].empty()) m_handles[index] = *handle;
-        if (m_handles[index] != *handle) m_ambiguous.push_back(index);
-    }
-    for (unsigned short const index : m_ambiguous)
-        m_handles[index] = Common::string();
-}
-
-bool ListedDevices::has(unsigned short index) const {
-    return (index < m_handles.size() && !m_handles[index].empty()) ||
-           std::count(m_ambiguous.begin(), m_ambiguous.end(), index) != 0;
-}
-
-Common::string ListedDevices::handleOf(unsigned short index) const {
-    if (index < m_handles.size() && !m_handles[index].empty()) return m_handles[index];
-    bool const isAmbiguous = std::count(m_ambiguous.begin(), m_ambiguous.end(), index) != 0;
-    Common::DebugLogger::LogCommand(
-        "Drive %u can't be addressed: the list of physical devices has %s of that number and kind",
-        static_cast<unsigned>(index), isAmbiguous ? "several devices" : "no device");
-    return Common::string();
 }
 
 }  // namespace Operations

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <vector>
-
 #include "command/devices.h"
 #include "command/records/all_records.h"
 #include "common/copy_ptr.h"
@@ -23,22 +21,5 @@ struct DriveMaps {
 /// `result`, when the controller doesn't identify itself: then nothing is known of any drive.
 bool readDriveMaps(Core::Device& parent, BMICDevice& commands, DriveMaps& maps,
                    Core::OperationReturn& result);
-
-/// Handles of the devices of one type behind a controller, by their index. An index that isn't listed, or
-/// listed for several devices, has an empty handle, over which nothing is sent, and a line in the log: never
-/// the controller's own or another drive's, to which a drive's firmware would go.
-class ListedDevices {
-  public:
-    /// `deviceType` as in PhysicalDeviceIterator.
-    ListedDevices(Common::shared_ptr<Core::Device> const& controller, unsigned char deviceType);
-
-    /// At least once.
-    bool has(unsigned short index) const;
-    Common::string handleOf(unsigned short index) const;
-
-  private:
-    std::vector<Common::string> m_handles;
-    std::vector<unsigned short> m_ambiguous;  ///< listed for several devices
-};
 
 }  // namespace Operations

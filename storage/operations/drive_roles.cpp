@@ -38,6 +38,7 @@ PhysicalDriveMap spareDrives(SenseConfiguration const& configuration) {
 /// Drives change their places only in units that have spares: nothing is asked about others.
 void readStandIns(BMICDevice& commands, std::uint16_t unit, PhysicalDriveMap const& data, DriveRoles& roles) {
     SenseLogicalDriveCommand<SenseLogicalDriveStatusTrait> status(unit);
+    status.SetNumMaxRetries(OPTIONAL_REPEATS);
     if (status(commands) && holdsWhole(status, "Logical drive status")) {
         PhysicalDriveMap active;
         active.InitializeDriveMap(replyOf(status), offsetof(Status, pbBigActiveSpareMap),
@@ -46,6 +47,7 @@ void readStandIns(BMICDevice& commands, std::uint16_t unit, PhysicalDriveMap con
         roles.activeSpare |= active;
     }
     SenseLogicalDriveCommand<SenseOriginalLogicalDriveConfigurationTrait> original(unit);
+    original.SetNumMaxRetries(OPTIONAL_REPEATS);
     if (original(commands) && holdsWhole(original, "Original logical drive configuration") &&
         original.record().wAssignedDrives != 0) {
         PhysicalDriveMap standIns = data;

@@ -29,10 +29,6 @@ constexpr SpeedRow PARALLEL_SPEEDS[] = {
     {1, Names::ATTR_VALUE_TRANSFER_MODE_FAST, 10},
 };
 
-/// Of what a run can do without. A controller that isn't ready for these would hold it up for two minutes at
-/// each drive.
-constexpr unsigned char OPTIONAL_REPEATS = 2;
-
 #define KSL_COUNT(attribute, member)                                                     \
     {                                                                                    \
         Names::ATTR_NAME_MNP_##attribute, [](auto& r) { return decimalText(r.member); }, \

@@ -301,6 +301,18 @@ TEST_F(SepPlaces, AreThereOnceWhateverLookAtTheirBoxesFails) {
         discover();
         EXPECT_TRUE(hasBothOnce(places())) << places();
     }
+    // Without the list of devices they can't be addressed, but are there.
+    for (unsigned nth = 1; nth <= 12; ++nth) {
+        SCOPED_TRACE(nth);
+        start(oneController({{"boxes", boxes("AB")}}));
+        addFault((R"({"match": {"command": "REPORT PHYSICAL LUNS", "nth": )" + std::to_string(nth) +
+                  R"(}, "action": {"errno": "EIO"}})")
+                     .c_str());
+        for (unsigned pass = 0; pass < 2; ++pass) {
+            discover();
+            EXPECT_EQ("41 box 144, 42 box 145", places());
+        }
+    }
     for (unsigned nth = 1; nth <= 12; ++nth) {
         start(oneController({{"boxes", boxes("AB")}}));
         addFault((R"({"match": {"command": "0x11", "nth": )" + std::to_string(nth) +

@@ -1,0 +1,41 @@
+#include "storage/operations/listed_devices.h"
+
+#include <algorithm>
+
+#include "command/concrete_devices.h"
+#include "common/debug_logger.h"
+#include "storage/operations/physical_device_iterator.h"
+
+namespace Operations {
+
+ListedDevices::ListedDevices(Common::shared_ptr<Core::Device> const& controller, unsigned char deviceType)
+    : m_type(deviceType) {
+    auto const* const adapter = dynamic_cast<ConcreteSCSIDevice const*>(controller.get());
+    if (adapter == nullptr) return;
+    PhysicalDeviceIterator const devices(*adapter);
+    for (auto handle = devices.begin(deviceType); handle != devices.end(deviceType); ++handle) {
+        unsigned short const index = Core::SysMod::getDeviceIndex(*handle);
+        if (index >= m_handles.size()) m_handles.resize(index + 1U);
+        if (m_handles[index].empty()) m_handles[index] = *handle;
+        if (m_handles[index] != *handle) m_ambiguous.push_back(index);
+    }
+    for (unsigned short const index : m_ambiguous)
+        m_handles[index] = Common::string();
+}
+
+bool ListedDevices::has(unsigned short index) const {
+    return (index < m_handles.size() && !m_handles[index].empty()) ||
+           std::count(m_ambiguous.begin(), m_ambiguous.end(), index) != 0;
+}
+
+Common::string ListedDevices::handleOf(unsigned short index) const {
+    if (index < m_handles.size() && !m_handles[index].empty()) return m_handles[index];
+    bool const isAmbiguous = std::count(m_ambiguous.begin(), m_ambiguous.end(), index) != 0;
+    Common::DebugLogger::LogCommand(
+        "Device %u can't be addressed: the list of physical devices has %s of that number and type %u",
+        static_cast<unsigned>(index), isAmbiguous ? "several devices" : "no device",
+        static_cast<unsigned>(m_type));
+    return Common::string();
+}
+
+}  // namespace Operations
