@@ -44,7 +44,18 @@ unsigned countWithin(unsigned told, std::size_t room, char const* what) {
 }  // namespace
 
 bool SenseBox::answers(BMICDevice& controller) {
-    return (*this)(controller) && holdsTotal(*this, "Record of a box");
+    constexpr char WHAT[] = "Record of a box";
+    auto const isCut = [this] {
+        Parameters const& told = record();
+        return Schema::PhysicalDriveMap::isCut(
+            receivedLength(), fromWire<std::uint16_t>(told.wOffsetToExtendedInstalledDriveMap),
+            fromWire<std::uint16_t>(told.wMaximumPhysicalDevicesSupported),
+            fromWire<std::uint32_t>(told.dwTotalStructureLength));
+    };
+    if (!(*this)(controller) || !holdsWhole(*this, WHAT)) return false;
+    if (!isCut()) return true;
+    makeRoomForTotal(*this, WHAT);
+    return (*this)(controller) && holdsWhole(*this, WHAT) && !isCut();
 }
 
 std::uint8_t boxIndexOf(std::uint8_t bus, std::uint8_t target) {

@@ -16,7 +16,7 @@ class SenseBox : public SenseControllerCommand<SenseBusParametersTrait> {
     }
     explicit SenseBox(Schema::CageLocation const& place) : SenseBox(place.bus, place.target) {}
 
-    /// False also for a reply that was cut.
+    /// False also for a reply that was cut, in its fixed part or, twice, in its map.
     bool answers(BMICDevice& controller);
 };
 

@@ -5,6 +5,7 @@
 
 #include "command/endian.h"
 #include "command/records/all_records.h"
+#include "command/self_sizing.h"
 #include "common/compound_list.h"
 #include "common/debug_logger.h"
 #include "core/device.h"
@@ -43,17 +44,14 @@ bool holdsWhole(Command const& command, char const* what) {
     return false;
 }
 
-/// The same for all that the record tells, which newer firmware has behind it: maps of more than 128 devices.
+/// Makes room for all that the reply told, for a second ask: a reply may have been cut on its way, or the
+/// size that is asked for was fixed when the first ask of all failed.
 template <class Command>
-bool holdsTotal(Command const& command, char const* what) {
-    if (!holdsWhole(command, what)) return false;
-    std::size_t const told =
-        ConvertLittleEndianToValue<std::uint32_t>(command.record().dwTotalStructureLength);
-    std::size_t const needed = std::min(told, command.buffer().size());
-    if (command.receivedLength() >= needed) return true;
-    Common::DebugLogger::LogCommand("%s refused: %u bytes came, at least %u expected", what,
-                                    command.receivedLength(), static_cast<unsigned>(needed));
-    return false;
+void makeRoomForTotal(Command& command, char const* what) {
+    unsigned const told = ConvertLittleEndianToValue<std::uint32_t>(command.record().dwTotalStructureLength);
+    Common::DebugLogger::LogCommand("%s is cut: %u of %u bytes came; asking again", what,
+                                    command.receivedLength(), told);
+    command.SetBuffer(nullptr, std::clamp<unsigned>(told, command.buffer().size(), MAX_REPLY_SIZE));
 }
 
 /// Of what a run can do without. A controller that isn't ready for it would hold the run up for two minutes

@@ -51,9 +51,10 @@ Core::OperationReturn DiscoverExpander::visit(Schema::StorageEnclosure& enclosur
                     static_cast<std::uint8_t>(Conversion::toNumber<unsigned short>(boxIndex)))
             .expanders;
     if (numbers.empty()) return Core::OperationReturn();
-    ListedDevices const devices(system, TYPE);
-    for (unsigned short const number : numbers)
-        discover(enclosure, system, enclosure, devices.handleOf(number), number);
+    ListedDevices const devices(system, TYPE, numbers);
+    for (unsigned short const number : numbers) {
+        if (devices.mayHave(number)) discover(enclosure, system, enclosure, devices.handleOf(number), number);
+    }
     return Core::OperationReturn();
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "command/scsi/inquiry_commands.h"
+#include "common/debug_logger.h"
 #include "core/tolkmod.h"
 #include "storage/operations/csmi_enclosures.h"
 #include "storage/operations/listed_devices.h"
@@ -65,11 +66,17 @@ void discoverBehindController(Schema::StorageEnclosure& enclosure, DevicePointer
                               unsigned char boxIndex) {
     std::vector<Schema::ListedSep> const seps = contentsNow(enclosure, *controller, boxIndex).seps;
     if (seps.empty()) return;
-    // A processor that can't be addressed counts all the same: by their number a controller's memory is
-    // written, and a flash that can't reach it must fail and be told, not be left out without a word.
-    ListedDevices const devices(controller, PhysicalDeviceIterator::SEP_TYPE);
+    std::vector<unsigned short> numbers;
     for (Schema::ListedSep const& sep : seps)
+        numbers.push_back(sep.number);
+    // A processor of which nobody knows the address counts all the same: by their number a controller's
+    // memory is written, and a flash that can't reach it must fail and be told, not be left out without a
+    // word.
+    ListedDevices const devices(controller, PhysicalDeviceIterator::SEP_TYPE, numbers);
+    for (Schema::ListedSep const& sep : seps) {
+        if (!devices.mayHave(sep.number)) continue;
         discover(enclosure, controller, enclosure, devices.handleOf(sep.number), sep.number, sep.type);
+    }
 }
 
 /// All that is known of these comes from themselves and from the way to them.
@@ -141,8 +148,16 @@ Core::OperationReturn DiscoverSEP::visit(Schema::ArrayController& controller) {
         auto const sep =
             std::find_if(listed.seps.begin(), listed.seps.end(),
                          [number](Schema::ListedSep const& each) { return each.number == number; });
-        discover(controller, controller.getDevicePtr(), controller, *handle, number,
-                 sep == listed.seps.end() ? NO_TYPE : sep->type);
+        bool const isAmbiguous =
+            std::count_if(devices.begin(TYPE), devices.end(TYPE), [number](Common::string const& each) {
+                return Core::SysMod::getDeviceIndex(each) == number;
+            }) > 1;
+        if (isAmbiguous) {
+            Common::DebugLogger::LogCommand("Processor %u can't be addressed: it is listed several times",
+                                            static_cast<unsigned>(number));
+        }
+        discover(controller, controller.getDevicePtr(), controller, isAmbiguous ? Common::string() : *handle,
+                 number, sep == listed.seps.end() ? NO_TYPE : sep->type);
     }
     return result;
 }

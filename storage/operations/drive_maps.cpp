@@ -25,26 +25,38 @@ PhysicalDriveMap onlyThoseOf(PhysicalDriveMap const& all, PhysicalDriveMap const
     return common;
 }
 
+using SenseIdentify = SenseControllerCommand<IdentifyControllerTrait>;
+constexpr char IDENTIFY[] = "Identify record";
+
+std::span<unsigned char const> replyOf(SenseIdentify const& identify) {
+    return identify.buffer().first(
+        std::min<std::size_t>(identify.receivedLength(), identify.buffer().size()));
+}
+
+/// With both maps: half of them has half of the drives, by whose number a controller's memory is written.
+bool isWhole(SenseIdentify const& identify) {
+    return holdsWhole(identify, IDENTIFY) &&
+           !PhysicalDriveMap::isCut(PhysicalDriveMap::ePresent, replyOf(identify)) &&
+           !PhysicalDriveMap::isCut(PhysicalDriveMap::eNonDisk, replyOf(identify));
+}
+
 }  // namespace
 
 bool readDriveMaps(Core::Device& parent, BMICDevice& commands, DriveMaps& maps,
                    Core::OperationReturn& result) {
-    SenseControllerCommand<IdentifyControllerTrait> identify;
+    SenseIdentify identify;
     DeviceCommandReturn::executeCommand(identify, commands, result);
-    bool isWhole = !result || holdsTotal(identify, "Identify record");
-    if (!isWhole) {
-        // Half a map has half of the drives, by whose number a controller's memory is written.
+    if (result && !isWhole(identify)) {
+        makeRoomForTotal(identify, IDENTIFY);
         DeviceCommandReturn::executeCommand(identify, commands, result);
-        isWhole = !result || holdsTotal(identify, "Identify record");
-    }
-    if (!isWhole) {
-        result.Receive(Core::Attribute(Interface::TOLKMod::OperationReturn::ATTR_NAME_STATUS,
-                                       Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE));
+        if (result && !isWhole(identify)) {
+            result.Receive(Core::Attribute(Interface::TOLKMod::OperationReturn::ATTR_NAME_STATUS,
+                                           Interface::TOLKMod::OperationReturn::ATTR_VALUE_STATUS_FAILURE));
+        }
     }
     if (!result) return false;
     maps.identify = identify.recordCopy();
-    auto const reply =
-        identify.buffer().first(std::min<std::size_t>(identify.receivedLength(), identify.buffer().size()));
+    auto const reply = replyOf(identify);
     PhysicalDriveMap nonDisk;
     nonDisk.InitializeDriveMap(PhysicalDriveMap::eNonDisk, reply);
     PhysicalDriveMap present;

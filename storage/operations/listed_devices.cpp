@@ -10,9 +10,26 @@ namespace Operations {
 
 ListedDevices::ListedDevices(Common::shared_ptr<Core::Device> const& controller, unsigned char deviceType)
     : m_type(deviceType) {
+    read(controller);
+}
+
+ListedDevices::ListedDevices(Common::shared_ptr<Core::Device> const& controller, unsigned char deviceType,
+                             std::vector<unsigned short> const& expected)
+    : ListedDevices(controller, deviceType) {
+    if (!std::all_of(expected.begin(), expected.end(),
+                     [this](unsigned short number) { return has(number); })) {
+        read(controller);
+    }
+}
+
+void ListedDevices::read(Common::shared_ptr<Core::Device> const& controller) {
+    unsigned char const deviceType = m_type;
+    m_handles.clear();
+    m_ambiguous.clear();
     auto const* const adapter = dynamic_cast<ConcreteSCSIDevice const*>(controller.get());
     if (adapter == nullptr) return;
     PhysicalDeviceIterator const devices(*adapter);
+    m_isUnread = devices.size() == 0;
     for (auto handle = devices.begin(deviceType); handle != devices.end(deviceType); ++handle) {
         unsigned short const index = Core::SysMod::getDeviceIndex(*handle);
         if (index >= m_handles.size()) m_handles.resize(index + 1U);
@@ -26,6 +43,14 @@ ListedDevices::ListedDevices(Common::shared_ptr<Core::Device> const& controller,
 bool ListedDevices::has(unsigned short index) const {
     return (index < m_handles.size() && !m_handles[index].empty()) ||
            std::count(m_ambiguous.begin(), m_ambiguous.end(), index) != 0;
+}
+
+bool ListedDevices::mayHave(unsigned short index) const {
+    if (m_isUnread || has(index)) return true;
+    Common::DebugLogger::LogCommand(
+        "Device %u of a box refused: the list of physical devices has none of that number and type %u",
+        static_cast<unsigned>(index), static_cast<unsigned>(m_type));
+    return false;
 }
 
 Common::string ListedDevices::handleOf(unsigned short index) const {

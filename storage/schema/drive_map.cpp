@@ -61,6 +61,12 @@ void DriveMap::InitializeDriveMap(std::span<unsigned char const> reply, unsigned
     read(reply.subspan(fixedOffset), FIXED_DEVICES);
 }
 
+bool DriveMap::isCut(std::size_t came, unsigned extendedOffset, unsigned devices, std::size_t told) {
+    std::size_t const end = extendedOffset + bytesFor(devices);
+    return devices > FIXED_DEVICES && devices <= MOST_DEVICES && extendedOffset != 0 && end > came &&
+           end <= told;
+}
+
 void DriveMap::read(std::span<unsigned char const> bytes, unsigned devices) {
     m_bits.reset();
     m_size = devices;
@@ -101,6 +107,13 @@ DriveMap& DriveMap::operator|=(DriveMap const& other) {
     for (unsigned short const number : other.numbers())
         m_bits.set(number);
     return *this;
+}
+
+bool PhysicalDriveMap::isCut(EnIdentifyMap which, std::span<unsigned char const> identifyReply) {
+    constexpr unsigned TOLD_AT = offsetof(Identify, dwTotalStructureLength);
+    std::size_t const told = wordAt(identifyReply, TOLD_AT) | wordAt(identifyReply, TOLD_AT + 2) << 16;
+    return isCut(identifyReply.size(), wordAt(identifyReply, IDENTIFY_MAPS[which].extendedOffsetAt),
+                 wordAt(identifyReply, offsetof(Identify, wMaximumPhysicalDevicesSupported)), told);
 }
 
 void PhysicalDriveMap::InitializeDriveMap(EnIdentifyMap which, std::span<unsigned char const> identifyReply) {

@@ -30,6 +30,9 @@ class DriveMap {
     void InitializeDriveMap(std::span<unsigned char const> reply, unsigned fixedOffset,
                             unsigned extendedOffset, unsigned devices);
 
+    /// Whether such a map stands in what the reply tells to have, `told` bytes, but not in what came of it.
+    static bool isCut(std::size_t came, unsigned extendedOffset, unsigned devices, std::size_t told);
+
     unsigned size() const { return m_size; }
     bool test(unsigned number) const { return number < m_size && m_bits.test(number); }
     void set(unsigned number);
@@ -65,6 +68,8 @@ class PhysicalDriveMap : public DriveMap {
     using DriveMap::InitializeDriveMap;
     /// Takes a map out of the whole reply to the controller's identify command, members in wire order.
     void InitializeDriveMap(EnIdentifyMap which, std::span<unsigned char const> identifyReply);
+    using DriveMap::isCut;
+    static bool isCut(EnIdentifyMap which, std::span<unsigned char const> identifyReply);
 };
 
 /// Logical drives by their number.

@@ -227,9 +227,14 @@ TEST_F(DriveRoom, FindsEachDriveOnceWhicheverLookFails) {
         char const* action;
     };
     static Row const rows[] = {
-        {"0x65", 9, R"({"errno": "EIO"})"},   {"0x65", 9, R"({"command_status": 4})"},
-        {"0x65", 9, R"({"truncate": 300})"},  {"0x65", 9, R"({"truncate": 1030})"},
+        {"0x65", 9, R"({"errno": "EIO"})"},
+        {"0x65", 9, R"({"command_status": 4})"},
+        {"0x65", 9, R"({"truncate": 300})"},
+        {"0x65", 9, R"({"truncate": 1030})"},
         {"0x11", 20, R"({"truncate": 520})"},
+        // The first ask of all decides for how much is asked from then on.
+        {"0x11", 9, R"({"scsi_status": 2, "sense": [6, 41, 0]})"},
+        {"0x65", 9, R"({"scsi_status": 2, "sense": [6, 41, 0]})"},
     };
     std::set<std::string> const numbers = {"0", "1", "2", "3", "4", "130", "131", "132"};
     json drives = json::array();
@@ -257,6 +262,23 @@ TEST_F(DriveRoom, FindsEachDriveOnceWhicheverLookFails) {
                 }
             }
         }
+    }
+}
+
+/// Firmware that tells more than it brings is served where nothing of that is needed.
+TEST_F(DriveRoom, NeedsNoMoreOfARecordThanItsMaps) {
+    json scenario = oneController(json::parse(R"({"identify": {"dwTotalStructureLength": 1024},
+        "drives": [{"name": "a"}, {"name": "b"}],
+        "boxes": [{"bus": 8, "target": 0, "number": 1, "bays": 8, "drives": [1],
+                   "bus_parameters": {"dwTotalStructureLength": 4096}}]})"));
+    for (int const came : {512, 480}) {
+        start(scenario);
+        addFault((R"({"match": {"command": "0x11"}, "action": {"truncate": )" + std::to_string(came) + "}}")
+                     .c_str());
+        addFault(R"({"match": {"command": "0x65"}, "action": {"truncate": 1024}})");
+        discover();
+        EXPECT_EQ(2U, below(only(), "PHYSICAL_DRIVE").size()) << came;
+        EXPECT_EQ("ATTR_VALUE_TYPE_DRIVE_CAGE", attribute(*drive("1")->pParent(), "ATTR_NAME_TYPE")) << came;
     }
 }
 

@@ -251,7 +251,7 @@ TEST_F(Drives, OfOneNumberHaveNoHandle) {
     controllerThatTells(identify({1, 2}));
     for (unsigned const unit : {1U, 2U, 3U})
         answers->addUnit(unit, 0);
-    answers->units[64] = 1;  // the index of the third
+    answers->units[64 + 25] = 1;  // the index of the third
     discover();
     auto const drives = below(only(), "PHYSICAL_DRIVE");
     ASSERT_EQ(2U, drives.size());

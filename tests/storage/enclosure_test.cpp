@@ -271,10 +271,7 @@ TEST_F(Enclosures, HoldTheProcessorsThatTheyList) {
     answers->management[{0x15, 0xA5, 0}] = identityOf("1E", 255);
     auto const enclosure = discovered();
     auto const seps = below(*enclosure, "SEP");
-    ASSERT_EQ(5U, seps.size());
-    // They count, but nothing is sent to what the list of devices doesn't have, or has as a drive.
-    for (unsigned const unlisted : {2U, 3U, 4U})
-        EXPECT_TRUE(dynamic_cast<ConcreteSCSIDevice&>(*seps[unlisted]).handle().empty());
+    ASSERT_EQ(2U, seps.size());
     expectAttributes(*seps[0], {{"DEVICE_NUMBER", "33"},
                                 {"VENDOR_ID", "VQ"},
                                 {"PRODUCT_ID", "ENCL 01 SEP"},
@@ -301,6 +298,31 @@ TEST_F(Enclosures, HoldTheProcessorsThatTheyList) {
     enclosure->Clear("ATTR_NAME_BOX_INDEX");
     EXPECT_EQ("ATTR_VALUE_STATUS_FAILURE",
               status(enclosure->perform(enclosure->getOperation("OPERATION_DISCOVER_SEPS"))));
+}
+
+// Firmware would go to the first of several devices. Without a list at all a processor counts, and gets
+// nothing.
+TEST_F(Enclosures, ProcessorsWithoutAnAddressOfTheirOwnHaveNoHandle) {
+    for (bool const isListed : {true, false}) {
+        Bytes record = box("S1");
+        record[324] = 1;
+        record[341] = 0x21;
+        oneBox(record);
+        if (isListed) {
+            for (unsigned const unit : {0x21U, 0x31U, 0x25U, 0x35U})
+                answers->addUnit(unit, 6);
+            answers->units[32 + 25] = 0x21;  // the index of the second
+            answers->units[96 + 25] = 0x25;  // and of the last
+        }
+        auto const enclosure = discovered();
+        auto processors = below(*enclosure, "SEP");
+        EXPECT_EQ(1U, processors.size());
+        for (DevicePointer const& each : below(only(), "SEP"))
+            processors.push_back(each);
+        EXPECT_EQ(isListed ? 2U : 1U, processors.size());
+        for (DevicePointer const& each : processors)
+            EXPECT_TRUE(dynamic_cast<ConcreteSCSIDevice&>(*each).handle().empty());
+    }
 }
 
 TEST_F(Enclosures, ActivePathsAreThoseOfControllersThatKnowSeveral) {
