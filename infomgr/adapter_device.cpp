@@ -140,10 +140,11 @@ int ArrayControllerDevice::ifuncControlObjInfo(std::uint32_t kind, _INFOMGR_BMIC
     request.senseBuffer = record.error;
     request.senseLength = record.errorLength;
     bool const sent = SendBMICCommand(deviceHandle(), request);
-    if (request.transferType == EnTransferType::In) {
+    int const status = outcome("Management request", request, sent);
+    if (status == InfoMgr::SUCCESS && request.transferType == EnTransferType::In) {
         std::copy_n(data.begin(), std::min(request.dataLength, record.dataLength), record.data);
     }
-    return outcome("Management request", request, sent);
+    return status;
 }
 
 int ArrayControllerDevice::ifuncControlObjInfo(std::uint32_t, _INFOMGR_SCSI_REQUEST& record) {

@@ -18,7 +18,8 @@ struct BasicBmicRequest {
     std::uint8_t opcode;
     std::uint32_t address;  ///< command block bytes 2 to 5, byte 2 the most significant
     std::uint16_t unit;
-    Pointer data;  ///< borrowed, as all buffers; of a read, bytes that didn't come stay as they were
+    Pointer data;  ///< borrowed, as all buffers; of a read, bytes that didn't come stay as they were, all
+                   ///< of them where the read failed
     std::uint32_t dataLength;  ///< at most 65,535
     std::uint32_t reserved;
     Pointer error;  ///< receives sense data

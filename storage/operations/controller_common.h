@@ -51,6 +51,7 @@ void makeRoomForTotal(Command& command, char const* what) {
     unsigned const told = ConvertLittleEndianToValue<std::uint32_t>(command.record().dwTotalStructureLength);
     Common::DebugLogger::LogCommand("%s is cut: %u of %u bytes came; asking again", what,
                                     command.receivedLength(), told);
+    command.PassThrough(true);  // the reply cache has the cut one
     command.SetBuffer(nullptr, std::clamp<unsigned>(told, command.buffer().size(), MAX_REPLY_SIZE));
 }
 

@@ -46,8 +46,10 @@ Core::OperationReturn DiscoverPhysicalDrive::discover(Core::Device& parent, BMIC
     Common::shared_ptr<Core::Device> const controller = storageSystemFinder(parent.getDevicePtr());
     if (!controller) return result;
     DriveRoles const roles = DiscoverDataAndSpareDrives(commands, maps.identify, *controller);
-    ListedDevices const devices(controller, PhysicalDeviceIterator::DRIVE_TYPE);
-    for (unsigned short const number : maps.disks.numbers()) {
+    auto const list = maps.disks.numbers();
+    std::vector<unsigned short> const numbers(list.begin(), list.end());
+    ListedDevices const devices(controller, PhysicalDeviceIterator::DRIVE_TYPE, numbers);
+    for (unsigned short const number : numbers) {
         PhysicalDrive::EnDriveType const type = roles.typeOf(number);
         Common::shared_ptr<Core::Device> const drive(
             new PhysicalDrive(devices.handleOf(number), number, type));

@@ -22,15 +22,13 @@ ListedDevices::ListedDevices(Common::shared_ptr<Core::Device> const& controller,
     }
 }
 
+/// Adds to what is known: a second look that is worse than the first takes nothing away.
 void ListedDevices::read(Common::shared_ptr<Core::Device> const& controller) {
-    unsigned char const deviceType = m_type;
-    m_handles.clear();
-    m_ambiguous.clear();
     auto const* const adapter = dynamic_cast<ConcreteSCSIDevice const*>(controller.get());
     if (adapter == nullptr) return;
     PhysicalDeviceIterator const devices(*adapter);
-    m_isUnread = devices.size() == 0;
-    for (auto handle = devices.begin(deviceType); handle != devices.end(deviceType); ++handle) {
+    m_isUnread = m_isUnread && devices.size() == 0;
+    for (auto handle = devices.begin(m_type); handle != devices.end(m_type); ++handle) {
         unsigned short const index = Core::SysMod::getDeviceIndex(*handle);
         if (index >= m_handles.size()) m_handles.resize(index + 1U);
         if (m_handles[index].empty()) m_handles[index] = *handle;

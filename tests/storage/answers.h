@@ -33,7 +33,9 @@ class Answers : public Core::SysMod::SystemCalls {
     /// are log pages (with the parameter asked for, 0x10000 each), 0x850000 and more ATA logs with their
     /// pages.
     std::map<unsigned, std::map<unsigned, Bytes>> scsi;
-    Bytes units;  ///< entries of the list of physical devices
+    Bytes units;                   ///< entries of the list of physical devices
+    mutable unsigned lists = 0;    ///< how often that was asked for
+    unsigned lastList = UINT_MAX;  ///< behind so many of them it isn't told
 
     void addUnit(unsigned index, unsigned type, unsigned mode = 0x40) {
         Bytes entry(32);
@@ -104,6 +106,11 @@ class Answers : public Core::SysMod::SystemCalls {
             } else {
                 reply.data = unit->second.at(operation);
             }
+            return true;
+        }
+        if (block[0] == 0xC3 && lists++ >= lastList) {
+            reply.scsiStatus = 2;
+            reply.commandStatus = 1;
             return true;
         }
         if (block[0] == 0xC3) {

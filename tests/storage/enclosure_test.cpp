@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 
+#include "storage/operations/listed_devices.h"
 #include "storage/operations/physical_device_iterator.h"
 #include "storage/operations/sep_models.h"
 #include "storage/operations/sep_utils.h"
@@ -322,6 +323,25 @@ TEST_F(Enclosures, ProcessorsWithoutAnAddressOfTheirOwnHaveNoHandle) {
         EXPECT_EQ(isListed ? 2U : 1U, processors.size());
         for (DevicePointer const& each : processors)
             EXPECT_TRUE(dynamic_cast<ConcreteSCSIDevice&>(*each).handle().empty());
+    }
+}
+
+/// A list that lacks one is read again, and what was in the first one stays.
+TEST_F(Enclosures, AWorseSecondListTakesNoAddressAway) {
+    oneBox(box("S1"));
+    answers->addUnit(0x21, 6);
+    discover();
+    DevicePointer const controller = only().getDevicePtr();
+    answers->lists = 0;
+    Operations::ListedDevices const once(controller, 6);
+    unsigned const cost = answers->lists;
+    for (unsigned const last : {0U, cost, 2 * cost}) {
+        SCOPED_TRACE(last);
+        answers->lists = 0;
+        answers->lastList = last;
+        Operations::ListedDevices const devices(controller, 6, {0x21, 0x23});
+        EXPECT_EQ(last == 0, devices.handleOf(0x21).empty());
+        EXPECT_EQ(last == 0, devices.mayHave(0x23)) << "without any list nobody can tell";
     }
 }
 
