@@ -222,44 +222,43 @@ TEST_F(DriveRoom, SendsNothingToADriveThatTheListOfDevicesDoesNotHave) {
 /// memory.
 TEST_F(DriveRoom, FindsEachDriveOnceWhicheverLookFails) {
     struct Row {
+        char const* serial;  ///< without one a box is there once for each of its paths
         char const* command;
         int looks;  ///< of two discoveries, at least
         char const* action;
     };
     static Row const rows[] = {
-        {"0x65", 9, R"({"errno": "EIO"})"},
-        {"0x65", 9, R"({"command_status": 4})"},
-        {"0x65", 9, R"({"truncate": 300})"},
-        {"0x65", 9, R"({"truncate": 1030})"},
-        {"0x11", 20, R"({"truncate": 520})"},
+        {"", "0x65", 9, R"({"command_status": 4})"},
+        {"BOX1", "0x65", 7, R"({"command_status": 4})"},
+        {"BOX1", "0x65", 7, R"({"truncate": 300})"},
+        {"BOX1", "0x65", 7, R"({"truncate": 1030})"},
+        {"BOX1", "0x11", 14, R"({"truncate": 520})"},
         // The first ask of all decides for how much is asked from then on.
-        {"0x11", 9, R"({"scsi_status": 2, "sense": [6, 41, 0]})"},
-        {"0x65", 9, R"({"scsi_status": 2, "sense": [6, 41, 0]})"},
+        {"BOX1", "0x11", 7, R"({"scsi_status": 2, "sense": [6, 41, 0]})"},
+        {"BOX1", "0x65", 7, R"({"scsi_status": 2, "sense": [6, 41, 0]})"},
     };
     std::set<std::string> const numbers = {"0", "1", "2", "3", "4", "130", "131", "132"};
     json drives = json::array();
     for (std::string const& number : numbers)
         drives.push_back({{"name", "d" + number}, {"index", std::stoi(number)}});
-    for (char const* serial : {"BOX1", ""}) {
-        for (Row const& row : rows) {
-            json scenario = oneController(json::parse(R"({"boxes": [
-                {"bus": 8, "target": 0, "number": 1, "bays": 8, "drives": [1, 2, 4, 130, 131],
-                 "paths": [{"bus": 9, "target": 0, "number": 1}]}]})"));
-            scenario["devices"][0]["drives"] = drives;
-            scenario["devices"][0]["boxes"][0]["serial"] = serial;
-            for (int look = 1; look <= row.looks; ++look) {
-                SCOPED_TRACE(serial + (" " + std::to_string(look)) + row.command + row.action);
-                start(scenario);
-                addFault((std::string(R"({"match": {"command": ")") + row.command + R"(", "nth": )" +
-                          std::to_string(look) + R"(}, "action": )" + row.action + "}")
-                             .c_str());
-                for (int pass = 0; pass < 2; ++pass) {
-                    discover();
-                    std::multiset<std::string> found;
-                    for (DevicePointer const& each : below(only(), "PHYSICAL_DRIVE"))
-                        found.insert(attribute(*each, "ATTR_NAME_DEVICE_NUMBER"));
-                    EXPECT_EQ(std::multiset<std::string>(numbers.begin(), numbers.end()), found) << pass;
-                }
+    for (Row const& row : rows) {
+        json scenario = oneController(json::parse(R"({"boxes": [
+            {"bus": 8, "target": 0, "number": 1, "bays": 8, "drives": [1, 2, 4, 130, 131],
+             "paths": [{"bus": 9, "target": 0, "number": 1}]}]})"));
+        scenario["devices"][0]["drives"] = drives;
+        scenario["devices"][0]["boxes"][0]["serial"] = row.serial;
+        for (int look = 1; look <= row.looks; ++look) {
+            SCOPED_TRACE(row.serial + (" " + std::to_string(look)) + row.command + row.action);
+            start(scenario);
+            addFault((std::string(R"({"match": {"command": ")") + row.command + R"(", "nth": )" +
+                      std::to_string(look) + R"(}, "action": )" + row.action + "}")
+                         .c_str());
+            for (int pass = 0; pass < 2; ++pass) {
+                discover();
+                std::multiset<std::string> found;
+                for (DevicePointer const& each : below(only(), "PHYSICAL_DRIVE"))
+                    found.insert(attribute(*each, "ATTR_NAME_DEVICE_NUMBER"));
+                EXPECT_EQ(std::multiset<std::string>(numbers.begin(), numbers.end()), found) << pass;
             }
         }
     }

@@ -159,7 +159,7 @@ INSTANTIATE_TEST_SUITE_P(EveryExchange, FaultSweep,
 /// sample, another one of each kind of fault, and KSL_SWEEP_STEP=1 goes through all of them by hand.
 std::size_t sweepStep() {
     char const* const text = std::getenv("KSL_SWEEP_STEP");
-    int const step = text != nullptr ? std::atoi(text) : STEP == 1 ? 96 : 384;
+    int const step = text != nullptr ? std::atoi(text) : STEP == 1 ? 96 : 600;
     return static_cast<std::size_t>(std::max(step, 1));
 }
 
