@@ -4,6 +4,7 @@
 
 #include "common/string.h"
 #include "core/tolkmod.h"
+#include "sysmod/requests.h"
 
 // The outcome of a BMIC or SCSI command, and the texts that stand for outcomes.
 //
@@ -65,7 +66,8 @@ class SCSIStatus {
         m_wCommandStatus = request.commandStatus;
         m_bScsiStatus = request.scsiStatus;
         if (request.senseLength >= 2) TakeSense(request.senseBuffer);
-        return m_wCommandStatus == 2 || m_wCommandStatus == 3;
+        return m_wCommandStatus == Interface::SysMod::Command::DATA_UNDERRUN ||
+               m_wCommandStatus == Interface::SysMod::Command::DATA_OVERRUN;
     }
 
   private:

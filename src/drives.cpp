@@ -22,6 +22,9 @@ namespace Names = Interface::StorageMod::PhysicalDrive;
 constexpr char SOLID_STATE_MARK[] = "SSD";
 constexpr char CARRIER_MODEL[] = "LD63i";
 constexpr int CARRIER_ROW = 1;
+/// The carrier has no catalogue entry to compare with.
+constexpr float NO_CATALOGUE_VERSION = 0;
+
 /// Whether a controller has solid state drives may hang on such a drive.
 void tellUntoldInterface(Common::shared_ptr<Core::Device> const& drive) {
     if (!getValue(drive, Names::ATTR_NAME_INTERFACE, "").empty()) {
@@ -33,9 +36,6 @@ void tellUntoldInterface(Common::shared_ptr<Core::Device> const& drive) {
                    serial.empty() ? "device number" : "serial number",
                    serial.empty() ? number.c_str() : serial.c_str());
 }
-
-/// The carrier has no catalogue entry to compare with.
-constexpr float NO_CATALOGUE_VERSION = 0;
 
 }  // namespace
 

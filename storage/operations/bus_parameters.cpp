@@ -70,10 +70,8 @@ Schema::CageLocation placeOfBoxIndex(std::uint8_t boxIndex) {
 
 Schema::PhysicalDriveMap installedDrives(SenseBox const& sense) {
     Parameters const& record = sense.record();
-    auto const reply =
-        sense.buffer().first(std::min<std::size_t>(sense.receivedLength(), sense.buffer().size()));
     Schema::PhysicalDriveMap map;
-    map.InitializeDriveMap(reply, offsetof(Parameters, pbBigInstalledDriveMap),
+    map.InitializeDriveMap(replyOf(sense), offsetof(Parameters, pbBigInstalledDriveMap),
                            fromWire<std::uint16_t>(record.wOffsetToExtendedInstalledDriveMap),
                            fromWire<std::uint16_t>(record.wMaximumPhysicalDevicesSupported));
     return map;

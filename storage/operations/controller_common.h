@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <span>
 
 #include "command/endian.h"
 #include "command/records/all_records.h"
@@ -42,6 +43,12 @@ bool holdsWhole(Command const& command, char const* what) {
     Common::DebugLogger::LogCommand("%s refused: %u bytes came, at least %u expected", what,
                                     command.receivedLength(), static_cast<unsigned>(needed));
     return false;
+}
+
+/// The bytes that came, for members of which the reply tells the place.
+template <class Command>
+std::span<unsigned char const> replyOf(Command const& command) {
+    return command.buffer().first(std::min<std::size_t>(command.receivedLength(), command.buffer().size()));
 }
 
 /// Makes room for all that the reply told, for a second ask: a reply may have been cut on its way, or the

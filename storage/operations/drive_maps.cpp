@@ -28,11 +28,6 @@ PhysicalDriveMap onlyThoseOf(PhysicalDriveMap const& all, PhysicalDriveMap const
 using SenseIdentify = SenseControllerCommand<IdentifyControllerTrait>;
 constexpr char IDENTIFY[] = "Identify record";
 
-std::span<unsigned char const> replyOf(SenseIdentify const& identify) {
-    return identify.buffer().first(
-        std::min<std::size_t>(identify.receivedLength(), identify.buffer().size()));
-}
-
 /// With both maps: half of them has half of the drives, by whose number a controller's memory is written.
 bool isWhole(SenseIdentify const& identify) {
     return holdsWhole(identify, IDENTIFY) &&

@@ -14,11 +14,6 @@ using Configuration = Records::LOGICAL_DRIVE_CONFIG;
 using Status = Records::LOGICAL_DRIVE_STATUS;
 
 template <class Command>
-std::span<unsigned char const> replyOf(Command const& command) {
-    return command.buffer().first(std::min<std::size_t>(command.receivedLength(), command.buffer().size()));
-}
-
-template <class Command>
 PhysicalDriveMap dataDrives(Command const& configuration) {
     PhysicalDriveMap map;
     map.InitializeDriveMap(replyOf(configuration), offsetof(Configuration, pbBigDriveAssignmentMap),

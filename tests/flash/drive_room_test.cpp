@@ -31,17 +31,17 @@ class DriveRoom : public FlashTest {
     }
 
     /// All below a device, of one type.
-    static std::vector<DevicePointer> below(Core::Device const& parent, std::string const& type) {
+    static std::vector<DevicePointer> allBelow(Core::Device const& parent, std::string const& type) {
         std::vector<DevicePointer> found;
         for (auto child = parent.beginChild(); child != parent.endChild(); ++child) {
             if (attribute(**child, "ATTR_NAME_TYPE") == "ATTR_VALUE_TYPE_" + type) found.push_back(*child);
-            auto const deeper = below(**child, type);
+            auto const deeper = allBelow(**child, type);
             found.insert(found.end(), deeper.begin(), deeper.end());
         }
         return found;
     }
     DevicePointer drive(char const* number) const {
-        for (DevicePointer const& each : below(only(), "PHYSICAL_DRIVE"))
+        for (DevicePointer const& each : allBelow(only(), "PHYSICAL_DRIVE"))
             if (attribute(*each, "ATTR_NAME_DEVICE_NUMBER") == number) return each;
         throw std::runtime_error(std::string("no drive ") + number);
     }
@@ -83,8 +83,8 @@ TEST_F(DriveRoom, TakesWhatTheFlashOperationsWrite) {
         "logical_drives": [{}],
         "cache_firmware": {"version": 4, "family": "GOLDPIC"},
         "i2c_nvram": [{"id": 80, "contents": "01 02"}]})")));
-    ASSERT_EQ(4U, below(only(), "PHYSICAL_DRIVE").size());
-    EXPECT_EQ(1U, below(only(), "TAPE_DRIVE").size());
+    ASSERT_EQ(4U, allBelow(only(), "PHYSICAL_DRIVE").size());
+    EXPECT_EQ(1U, allBelow(only(), "TAPE_DRIVE").size());
     struct Row {
         char const* drive;
         char const* name;
@@ -256,7 +256,7 @@ TEST_F(DriveRoom, FindsEachDriveOnceWhicheverLookFails) {
             for (int pass = 0; pass < 2; ++pass) {
                 discover();
                 std::multiset<std::string> found;
-                for (DevicePointer const& each : below(only(), "PHYSICAL_DRIVE"))
+                for (DevicePointer const& each : allBelow(only(), "PHYSICAL_DRIVE"))
                     found.insert(attribute(*each, "ATTR_NAME_DEVICE_NUMBER"));
                 EXPECT_EQ(std::multiset<std::string>(numbers.begin(), numbers.end()), found) << pass;
             }
@@ -276,7 +276,7 @@ TEST_F(DriveRoom, NeedsNoMoreOfARecordThanItsMaps) {
                      .c_str());
         addFault(R"({"match": {"command": "0x65"}, "action": {"truncate": 1024}})");
         discover();
-        EXPECT_EQ(2U, below(only(), "PHYSICAL_DRIVE").size()) << came;
+        EXPECT_EQ(2U, allBelow(only(), "PHYSICAL_DRIVE").size()) << came;
         EXPECT_EQ("ATTR_VALUE_TYPE_DRIVE_CAGE", attribute(*drive("1")->pParent(), "ATTR_NAME_TYPE")) << came;
     }
 }
@@ -290,7 +290,7 @@ TEST_F(DriveRoom, TellsTheRolesOfDrivesInExtendedMaps) {
     for (auto const& [number, role] : {std::pair{0, "data"}, {130, "data"}, {127, "spare"}, {135, "spare"}})
         scenario["devices"][0]["drives"][static_cast<unsigned>(number)]["role"] = role;
     discover(scenario);
-    ASSERT_EQ(140U, below(only(), "PHYSICAL_DRIVE").size());
+    ASSERT_EQ(140U, allBelow(only(), "PHYSICAL_DRIVE").size());
     for (auto const& [number, role] : {std::pair{"0", "DATA"},
                                        {"130", "DATA"},
                                        {"127", "SPARE"},
@@ -336,12 +336,12 @@ TEST_F(DriveRoom, HasDrivesBehindPlainAdapters) {
              "product": "MB4000SATA", "revision": "HPG20001", "serial": "SN-2"}]},
           {"kind": "drive", "sas_address": "51E5C0A000000130", "name": "alone"},
           {"kind": "drive", "sas_address": "0000000000000000", "name": "nowhere"}]}]})"));
-    auto const adapters = children("ATTR_VALUE_TYPE_HBA");
+    auto const adapters = below(*root, "HBA");
     ASSERT_EQ(1U, adapters.size());
     Core::Device& adapter = *adapters[0];
     using Operations::DiscoverNonVaultlinePhysicalDrive;
     EXPECT_TRUE(adapter.perform(OperationPointer(new DiscoverNonVaultlinePhysicalDrive)));
-    auto const drives = below(adapter, "NON_VAULTLINE_PHYSICAL_DRIVE");
+    auto const drives = allBelow(adapter, "NON_VAULTLINE_PHYSICAL_DRIVE");
     ASSERT_EQ(3U, drives.size()) << "none without an address";
     struct Row {
         char const* name;
@@ -370,10 +370,10 @@ TEST_F(DriveRoom, HasDrivesBehindPlainAdapters) {
 
     // The box has the drives that share its processors' expander.
     EXPECT_TRUE(adapter.perform(OperationPointer(new Operations::DiscoverStorageEnclosure)));
-    auto const boxes = below(adapter, "STORAGE_ENCLOSURE");
+    auto const boxes = allBelow(adapter, "STORAGE_ENCLOSURE");
     ASSERT_EQ(1U, boxes.size());
     EXPECT_TRUE(boxes[0]->perform(OperationPointer(new DiscoverNonVaultlinePhysicalDrive)));
-    EXPECT_EQ(2U, below(*boxes[0], "NON_VAULTLINE_PHYSICAL_DRIVE").size());
+    EXPECT_EQ(2U, allBelow(*boxes[0], "NON_VAULTLINE_PHYSICAL_DRIVE").size());
 }
 
 /// Half an identity, or none, isn't published: what INQUIRY tells is.
@@ -387,9 +387,9 @@ TEST_F(DriveRoom, TellsOfAnAtaDriveWithoutAnIdentityWhatInquiryTells) {
         bool const whole = *action == '\0';
         if (!whole)
             addFault((std::string(R"({"match": {"command": "0x85"}, "action": )") + action + "}").c_str());
-        Core::Device& adapter = *children("ATTR_VALUE_TYPE_HBA").at(0);
+        Core::Device& adapter = *below(*root, "HBA").at(0);
         EXPECT_TRUE(adapter.perform(OperationPointer(new Operations::DiscoverNonVaultlinePhysicalDrive)));
-        auto const drives = below(adapter, "NON_VAULTLINE_PHYSICAL_DRIVE");
+        auto const drives = allBelow(adapter, "NON_VAULTLINE_PHYSICAL_DRIVE");
         ASSERT_EQ(1U, drives.size());
         for (auto const& [name, value] : {std::pair{"ATTR_NAME_DRIVE_MODEL", "MB4000SATA"},
                                           {"ATTR_NAME_SERIAL_NUMBER", "SN-2"},

@@ -384,7 +384,7 @@ TEST_F(SepMachineTest, BehindAPlainAdapterTheListTellsWhoCameBack) {
         activate({{"HBA", "DISCOVER_STORAGE_ENCLOSURES"}});
         discover({{"devices", json::array({adapter})}});
         image = simulator::makeImage("ENCL 16 SEP", "2.10", IMAGE_SIZE, 7);
-        auto const adapters = children("ATTR_VALUE_TYPE_HBA");
+        auto const adapters = below(*root, "HBA");
         ASSERT_EQ(1U, adapters.size());
         Core::Device& enclosure = **adapters.front()->beginChild();
         auto const result = flash(**enclosure.beginChild(), {});

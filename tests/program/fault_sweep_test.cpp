@@ -193,7 +193,10 @@ Package const PACKAGES[] = {
 
 class PackageSweep : public ::testing::TestWithParam<std::tuple<Package, FaultKind>> {
   protected:
-    PackageSweep() : package(std::get<0>(GetParam()).name) {}
+    PackageSweep() : package(std::get<0>(GetParam()).name) {
+        for (auto const& device : package.devices())
+            m_factory[device.name] = device.stored;
+    }
     /// Every device has the firmware that it left the factory with, or a whole file of the package.
     void expectFirmwareWholeOrUntouched() const {
         for (char const* untouched : std::get<0>(GetParam()).untouched) {
@@ -207,15 +210,11 @@ class PackageSweep : public ::testing::TestWithParam<std::tuple<Package, FaultKi
             EXPECT_NE(package.fileStoredIn(device.name), "") << device.name;
         }
     }
-    void startAnew() {
-        package.resetMachine();
-        m_factory.clear();
-        for (auto const& device : package.devices())
-            m_factory[device.name] = device.stored;
-    }
 
-    std::map<std::string, std::string> m_factory;  ///< stored firmware by the device's name
     PackageRun package;
+
+  private:
+    std::map<std::string, std::string> m_factory;  ///< stored firmware by the device's name
 };
 
 TEST_P(PackageSweep, EndsWellAtEachExchange) {
@@ -226,7 +225,7 @@ TEST_P(PackageSweep, EndsWellAtEachExchange) {
     std::map<int, int> statuses;
     for (std::size_t exchange = firstExchange(kind, sweepStep());; exchange += sweepStep()) {
         SCOPED_TRACE("exchange " + std::to_string(exchange));
-        startAnew();
+        package.resetMachine();
         RunResult const run =
             package.flash({"-s"}, "", {R"({"match": {"exchange": )" + std::to_string(exchange) + fault});
         auto const journal = package.journal();

@@ -9,8 +9,8 @@ namespace {
 
 using Adapters = StorageTest;
 
-constexpr char FAILED[] = "ATTR_VALUE_TYPE_FAILED_ARRAY_CONTROLLER";
-constexpr char PLAIN[] = "ATTR_VALUE_TYPE_HBA";
+constexpr char FAILED[] = "FAILED_ARRAY_CONTROLLER";
+constexpr char PLAIN[] = "HBA";
 
 /// The operation isn't among those that a run switches on, so it is performed as it stands.
 std::string discoverFailed(Core::Device& root) {
@@ -28,7 +28,7 @@ TEST_F(Adapters, AControllerThatDoesNotAnswerIsAFailedOne) {
     EXPECT_EQ(Strings{"SERIAL-good"}, controllers("ATTR_NAME_CONTROLLER_SERIAL_NUMBER"));
     std::size_t const before = journalSize();
     ASSERT_EQ("ATTR_VALUE_STATUS_SUCCESS", discoverFailed(*root));
-    auto const failed = children(FAILED);
+    auto const failed = below(*root, FAILED);
     ASSERT_EQ(2U, failed.size());
     struct Row {
         char const* name;
@@ -58,7 +58,7 @@ TEST_F(Adapters, AControllerThatDoesNotAnswerIsAFailedOne) {
     EXPECT_EQ(failed.front()->beginChild(), failed.front()->endChild()) << "it can have no children";
     EXPECT_EQ("ATTR_VALUE_STATUS_PERFORM_NOT_REACHABLE", discoverFailed(*failed.front()));
     discover();
-    EXPECT_EQ(0U, children(FAILED).size()) << "no operation of the run confirms it";
+    EXPECT_EQ(0U, below(*root, FAILED).size()) << "no operation of the run confirms it";
 }
 
 /// What the bus shows of a function decides what becomes of it.
@@ -108,9 +108,9 @@ TEST_F(Adapters, FunctionsOfTheBus) {
         start(scenario);
         discover();
         EXPECT_EQ(row.controllers, controllers().size());
-        EXPECT_EQ(row.plain, children(PLAIN).size());
+        EXPECT_EQ(row.plain, below(*root, PLAIN).size());
         discoverFailed(*root);
-        EXPECT_EQ(row.failed, children(FAILED).size());
+        EXPECT_EQ(row.failed, below(*root, FAILED).size());
     }
 }
 
@@ -126,7 +126,7 @@ TEST_F(Adapters, APlainAdapter) {
                    {"subsystem_device", "0xCDEF"},
                    {"driver", "vqsa"},
                    {"slot", "6"}}}}}}});
-    auto const adapters = children(PLAIN);
+    auto const adapters = below(*root, PLAIN);
     ASSERT_EQ(1U, adapters.size());
     std::pair<char const*, char const*> const expected[] = {
         {"ATTR_NAME_ADAPTER_TYPE", "ATTR_VALUE_ADAPTER_TYPE_GENERIC_HBA"},
@@ -168,7 +168,7 @@ TEST_F(Adapters, ACsmiAdapter) {
     SetCommandCacheState(false);
     ClearModRootCache();
     SetDiscoveryRescanOption(true);
-    auto const adapters = children(PLAIN);
+    auto const adapters = below(*root, PLAIN);
     ASSERT_EQ(1U, adapters.size());
     std::pair<char const*, char const*> const expected[] = {
         {"ATTR_NAME_ADAPTER_TYPE", "ATTR_VALUE_ADAPTER_TYPE_CSMI_HBA"},

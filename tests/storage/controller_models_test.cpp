@@ -144,7 +144,7 @@ TEST_F(AllowedControllers, TheMaskHoldsForFailedControllersToo) {
              controller("b", "0000:02:00.0", "0x3355", {{"node_present", false}})}}});
     allow("ATTR_VALUE_MASK_TYPE_DISABLED", {"ATTR_VALUE_CONTROLLER_NAME_DOGWOOD4"});
     root->perform(OperationPointer(new Operations::DiscoverFailedArrayController));
-    auto const failed = children("ATTR_VALUE_TYPE_FAILED_ARRAY_CONTROLLER");
+    auto const failed = below(*root, "FAILED_ARRAY_CONTROLLER");
     ASSERT_EQ(1U, failed.size());
     EXPECT_EQ("ATTR_VALUE_CONTROLLER_NAME_DOGWOOD16",
               attribute(*failed.front(), "ATTR_NAME_CONTROLLER_NAME"));

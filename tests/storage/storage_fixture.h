@@ -140,10 +140,7 @@ class StorageTest : public simulator_test::MachineTest {
         }
         return found;
     }
-    std::vector<DevicePointer> children(std::string const& type) const {
-        return below(*root, type.substr(sizeof "ATTR_VALUE_TYPE_" - 1));
-    }
-    std::vector<DevicePointer> controllers() const { return children("ATTR_VALUE_TYPE_ARRAY_CONTROLLER"); }
+    std::vector<DevicePointer> controllers() const { return below(*root, "ARRAY_CONTROLLER"); }
     /// One attribute of each controller, in the tree's order.
     Strings controllers(char const* name) const {
         Strings values;
